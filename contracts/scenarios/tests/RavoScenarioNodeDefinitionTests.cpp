@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+
+#include "contracts/scenarios/RavoScenarioNodeDefinition.h"
+
+namespace {
+
+RavoScenarioNodeDefinition::Fields sampleFields() {
+  return {.id = RavoScenarioNodeTypeID("ravo.trigger.manual"),
+          .version = "1.0.0",
+          .kind = RavoScenarioNodeKind::trigger,
+          .inputKeys = {"b", "a"},
+          .outputKeys = {"event"},
+          .requestedCapabilities = {RavoScenarioCapability::mcpCall(), RavoScenarioCapability::audioVolume()},
+          .risk = RavoScenarioRiskClass::medium,
+          .idempotency = RavoScenarioIdempotency::guarded,
+          .reversibility = RavoScenarioReversibility::compensatable,
+          .confirmation = RavoScenarioConfirmationPolicy::perTarget,
+          .bounds = RavoScenarioExecutionBounds(5, 2, 10, 3),
+          .offlinePolicy = RavoScenarioOfflinePolicy::deferUntilOnline,
+          .egressPolicy = RavoScenarioDataEgressPolicy::approvedProviderOnly,
+          .adapterID = "ravo.native.trigger",
+          .adapterVersion = "2.1.0",
+          .schemaDigest = "schema",
+          .implementationDigest = "implementation",
+          .isEnabled = false};
+}
+
+TEST(RavoScenarioNodeDefinition, ConstructionSortsButDecodingKeepsTheWrittenOrder) {
+  RavoScenarioNodeDefinition definition(sampleFields());
+  EXPECT_EQ(definition.inputKeys(), (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(definition.requestedCapabilities(),
+            (std::vector{RavoScenarioCapability::audioVolume(), RavoScenarioCapability::mcpCall()}));
+
+  RavoJSON json = definition.toJSON();
+  std::vector<std::string> keys;
+  for (const auto& item : json.items()) keys.push_back(item.key());
+  EXPECT_EQ(keys, (std::vector<std::string>{"id", "version", "kind", "inputKeys", "outputKeys", "requestedCapabilities",
+                                            "risk", "idempotency", "reversibility", "confirmation", "bounds",
+                                            "offlinePolicy", "egressPolicy", "adapterID", "adapterVersion",
+                                            "schemaDigest", "implementationDigest", "isEnabled"}));
+  EXPECT_EQ(RavoScenarioNodeDefinition::fromJSON(json), definition);
+
+  json["inputKeys"] = {"b", "a"};
+  auto decoded = RavoScenarioNodeDefinition::fromJSON(json);
+  EXPECT_EQ(decoded.inputKeys(), (std::vector<std::string>{"b", "a"}));
+  EXPECT_NE(decoded, definition);
+}
+
+TEST(RavoScenarioNodeDefinition, DecodingRefusesMissingMistypedAndUnknownValues) {
+  const RavoJSON valid = RavoScenarioNodeDefinition(sampleFields()).toJSON();
+  struct Case {
+    const char* key;
+    RavoJSON value;  // null removes the key
+    const char* message;
+  };
+  const Case cases[] = {
+      {"risk", nullptr, "RavoScenarioNodeDefinition.risk: missing key"},
+      {"risk", "severe", "RavoScenarioNodeDefinition.risk: unknown value \"severe\""},
+      {"kind", "Trigger", "RavoScenarioNodeDefinition.kind: unknown value \"Trigger\""},
+      {"isEnabled", "true", "RavoScenarioNodeDefinition.isEnabled: expected a boolean, found a string"},
+      {"bounds", RavoJSON{{"timeoutSeconds", 1}}, "RavoScenarioExecutionBounds.retryLimit: missing key"},
+      {"requestedCapabilities", RavoJSON::array({1}),
+       "RavoScenarioNodeDefinition.requestedCapabilities[0]: expected a string, found an integer"},
+  };
+  for (const auto& c : cases) {
+    RavoJSON json = valid;
+    if (c.value.is_null()) {
+      json.erase(c.key);
+    } else {
+      json[c.key] = c.value;
+    }
+    try {
+      RavoScenarioNodeDefinition::fromJSON(json);
+      ADD_FAILURE() << "decoded with " << c.key << " = " << c.value.dump();
+    } catch (const RavoJSONDecodingError& error) {
+      EXPECT_STREQ(error.what(), c.message);
+    }
+  }
+}
+
+template <class E>
+void expectLabelsRoundTrip(std::initializer_list<std::string_view> texts) {
+  std::vector<std::string_view> listed;
+  for (const auto& [label, text] : RavoLabelTable<E>::entries) {
+    listed.push_back(text);
+    EXPECT_EQ(RavoJSONCodec<E>::decode(RavoJSONCodec<E>::encode(label), "label"), label);
+  }
+  EXPECT_EQ(listed, std::vector<std::string_view>(texts));
+  EXPECT_THROW(RavoJSONCodec<E>::decode("unknown", "label"), RavoJSONDecodingError);
+}
+
+TEST(RavoScenarioLabels, ListEveryCaseInOrderAndRoundTrip) {
+  expectLabelsRoundTrip<RavoScenarioNodeKind>({"trigger", "condition", "action", "control"});
+  expectLabelsRoundTrip<RavoScenarioRiskClass>({"none", "low", "medium", "high"});
+  expectLabelsRoundTrip<RavoScenarioIdempotency>({"idempotent", "guarded", "nonIdempotent"});
+  expectLabelsRoundTrip<RavoScenarioReversibility>({"reversible", "compensatable", "irreversible"});
+  expectLabelsRoundTrip<RavoScenarioConfirmationPolicy>({"none", "perExecution", "perTarget", "explicitReview"});
+  expectLabelsRoundTrip<RavoScenarioOfflinePolicy>({"failClosed", "deferUntilOnline", "localOnly"});
+  expectLabelsRoundTrip<RavoScenarioDataEgressPolicy>({"none", "localOnly", "approvedProviderOnly"});
+  expectLabelsRoundTrip<RavoScenarioActivationRequest>({"notRequested", "oneShot", "recurring"});
+  expectLabelsRoundTrip<RavoScenarioLifecycle>({"draft", "validated", "simulated", "awaitingApproval", "active",
+                                                "paused", "superseded", "revoked", "quarantined"});
+  expectLabelsRoundTrip<RavoScenarioEffectReceiptOutcome>({"admitted", "completed", "blocked", "failed"});
+}
+
+TEST(RavoScenarioExecutionBounds, ManualActionEncodesItsFourLimits) {
+  EXPECT_EQ(RavoScenarioExecutionBounds::manualAction().toJSON().dump(),
+            R"({"timeoutSeconds":20,"retryLimit":0,"rateLimitPerHour":60,"maximumParallelism":1})");
+}
+
+}  // namespace
