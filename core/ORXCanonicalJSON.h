@@ -1,0 +1,21 @@
+#pragma once
+// The strict parser of canonical JSON. It accepts exactly what the serializer can produce (plus
+// insignificant whitespace and redundant escapes) and refuses everything else with ORXError::parse.
+// Parsing a text and serializing the result tells whether the text was canonical.
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "core/ORXCanonicalValue.h"
+
+namespace ORXCanonicalJSON {
+
+// Arrays and objects nest at most this deep. The parser recurses once per level, so the limit keeps
+// hostile input from exhausting the stack; no record of the host contract comes near it.
+inline constexpr int kMaxNestingDepth = 512;
+
+ORXCanonicalValue parse(std::string_view text);
+ORXCanonicalValue parse(std::span<const std::uint8_t> bytes);
+
+}  // namespace ORXCanonicalJSON

@@ -1,0 +1,68 @@
+#include "core/ORXCanonicalValue.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "core/ORXError.h"
+#include "core/ORXValidation.h"
+
+namespace {
+
+ORXError keyRepeated(std::string_view key) {
+  return ORXError::duplicate("canonical object repeats key '" + std::string(key) + "'");
+}
+
+ORXError notUTF8() { return ORXError::invalid("orx.v051.value_invalid", "canonical string must be valid UTF-8"); }
+
+bool keyBefore(const ORXCanonicalObject::Field& a, const ORXCanonicalObject::Field& b) {
+  return ORXValidation::compareUnicodeCodePoints(a.first, b.first);
+}
+
+}  // namespace
+
+ORXCanonicalObject::ORXCanonicalObject() = default;
+
+ORXCanonicalObject::ORXCanonicalObject(Fields fields) : fields_(std::move(fields)) {
+  for (const auto& field : fields_) {
+    if (!ORXValidation::isValidUTF8(field.first)) throw notUTF8();
+  }
+  // Canonical input arrives sorted and unique; checking that costs no allocation.
+  bool strictlyAscending = true;
+  for (std::size_t i = 1; i < fields_.size() && strictlyAscending; ++i) {
+    strictlyAscending = keyBefore(fields_[i - 1], fields_[i]);
+  }
+  if (strictlyAscending) return;
+  std::unordered_set<std::string_view> seen;
+  for (const auto& field : fields_) {
+    if (!seen.insert(field.first).second) throw keyRepeated(field.first);
+  }
+  std::stable_sort(fields_.begin(), fields_.end(), keyBefore);
+}
+
+const ORXCanonicalValue* ORXCanonicalObject::value(std::string_view key) const {
+  for (const auto& [fieldKey, fieldValue] : fields_) {
+    if (fieldKey == key) return &fieldValue;
+  }
+  return nullptr;
+}
+
+bool operator==(const ORXCanonicalObject& a, const ORXCanonicalObject& b) { return a.fields_ == b.fields_; }
+
+ORXCanonicalValue ORXCanonicalValue::string(std::string text) {
+  if (!ORXValidation::isValidUTF8(text)) throw notUTF8();
+  return ORXCanonicalValue(Storage(std::in_place_type<std::string>, std::move(text)));
+}
+
+ORXCanonicalValue ORXCanonicalValue::object(ORXCanonicalObject::Fields fields) {
+  return object(ORXCanonicalObject(std::move(fields)));
+}
+
+std::optional<bool> ORXCanonicalValue::asBoolean() const {
+  if (const bool* value = std::get_if<bool>(&storage_)) return *value;
+  return std::nullopt;
+}
+
+std::optional<std::int64_t> ORXCanonicalValue::asInteger() const {
+  if (const std::int64_t* value = std::get_if<std::int64_t>(&storage_)) return *value;
+  return std::nullopt;
+}

@@ -1,0 +1,38 @@
+#include "core/ORXDigest.h"
+
+#include <algorithm>
+
+#include "core/ORXError.h"
+#include "core/ORXSHA256.h"
+
+namespace {
+
+constexpr std::string_view kPrefix = "sha256:";
+
+std::string prefixed(const ORXSHA256::Digest& hash) { return std::string(kPrefix) + ORXSHA256::toHex(hash); }
+
+}  // namespace
+
+ORXDigest::ORXDigest(std::string text) : value_(std::move(text)) {
+  const bool valid = value_.size() == kPrefix.size() + 64 && value_.starts_with(kPrefix) &&
+                     std::all_of(value_.begin() + kPrefix.size(), value_.end(),
+                                 [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); });
+  if (!valid) {
+    throw ORXError::invalid("orx.v051.digest_invalid", "digest must be sha256: followed by 64 lowercase hex digits");
+  }
+}
+
+ORXDigest ORXDigest::raw(std::span<const std::uint8_t> data) { return ORXDigest(Verified{}, prefixed(ORXSHA256::hash(data))); }
+
+ORXDigest ORXDigest::raw(std::string_view data) { return ORXDigest(Verified{}, prefixed(ORXSHA256::hash(data))); }
+
+ORXDigest ORXDigest::domain(std::string_view tag, const ORXCanonicalValue& value) {
+  std::string bytes(tag);
+  bytes.push_back('\0');
+  value.appendCanonicalString(bytes);
+  return raw(bytes);
+}
+
+ORXDigest ORXDigest::domain(ORXDigestDomain domain, const ORXCanonicalValue& value) {
+  return ORXDigest::domain(orxRawValue(domain), value);
+}

@@ -1,0 +1,21 @@
+#include "core/ORXEnumValue.h"
+
+#include "core/ORXError.h"
+#include "core/ORXValidation.h"
+
+ORXEnumValue::ORXEnumValue(std::int32_t discriminant, std::string typeID, const ORXClosedEnumContext& context,
+                           std::optional<std::string_view> expectedTypeID, bool requireErrorEnum)
+    : discriminant_(discriminant), typeID_(ORXValidation::qualifiedEnumTypeID(typeID, "enum type")) {
+  const ORXClosedEnumSchema* schema = context.schema(typeID_);
+  const bool valid = (!expectedTypeID || *expectedTypeID == typeID_) && schema &&
+                     (!requireErrorEnum || schema->kind() == ORXClosedEnumKind::errorEnum) &&
+                     schema->allowedDiscriminants().contains(discriminant);
+  if (!valid) throw ORXError::invalid("orx.decision.enum_discriminant_invalid", "closed enum discriminant is invalid");
+}
+
+ORXCanonicalValue ORXEnumValue::canonicalValue() const {
+  return ORXCanonicalValue::object({
+      {"discriminant", ORXCanonicalValue::integer(discriminant_)},
+      {"type", ORXCanonicalValue::string(typeID_)},
+  });
+}
