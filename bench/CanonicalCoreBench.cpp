@@ -1,0 +1,84 @@
+// Canonical core costs: parsing, serializing and domain-digesting a typical host-contract record of about
+// 2 KB, and SHA-256 throughput on 1 MB.
+
+#include <benchmark/benchmark.h>
+
+#include <string>
+#include <vector>
+
+#include "core/ORXCanonicalJSON.h"
+#include "core/ORXDigest.h"
+#include "core/ORXSHA256.h"
+#include "core/ORXTypedValue.h"
+
+namespace {
+
+using V = ORXCanonicalValue;
+
+V text(std::string value) { return V::string(std::move(value)); }
+
+std::string digestText(char digit) { return "sha256:" + std::string(64, digit); }
+
+// Shaped like a decision intent: identifiers, digests, a deadline, budgets and typed arguments.
+V typicalRecord() {
+  V::Array arguments;
+  for (int i = 0; i < 14; ++i) {
+    const ORXTypedValue value =
+        i % 2 ? ORXTypedValue::i64(1700000000000 + i)
+              : ORXTypedValue::option(ORXFlatTypeReference::primitive(ORXPrimitiveType::f64),
+                                      ORXTypedValue::f64(ORXFloatRepresentation::bits("3ff0000000000000")));
+    arguments.push_back(V::object({{"name", text("argument_" + std::to_string(i))}, {"value", value.canonicalValue()}}));
+  }
+  V::Array budgets;
+  for (const char* resource : {"cpu.time", "memory.bytes", "network.requests", "storage.writes"}) {
+    budgets.push_back(V::object({{"limit", V::integer(1 << 20)}, {"resource", text(resource)}}));
+  }
+  return V::object({
+      {"action", text("ravo.player.seek")},
+      {"arguments", V::array(std::move(arguments))},
+      {"budgets", V::array(std::move(budgets))},
+      {"capability", text("ravo.player.transport")},
+      {"deadline", V::object({{"clock_domain", text("host.monotonic")}, {"value", V::integer(123456789)}})},
+      {"effect_type", text("ravo.effect.media.transport")},
+      {"generation", V::object({{"domain", text("player.session")}, {"epoch", V::integer(42)}})},
+      {"grant_set_digest", text(digestText('a'))},
+      {"input_digest", text(digestText('b'))},
+      {"issuer_class", text("assistant.model")},
+      {"note", text("Seek to the chapter the viewer asked for, \"Kapitel 3\" \xe2\x80\x94 t\xc3\xa9l\xc3\xa9")},
+      {"policy_digest", text(digestText('c'))},
+      {"target_class", text("player.local")},
+  });
+}
+
+void BM_ParseRecord(benchmark::State& state) {
+  const std::string canonical = typicalRecord().canonicalString();
+  for (auto _ : state) benchmark::DoNotOptimize(ORXCanonicalJSON::parse(canonical));
+  state.SetBytesProcessed(state.iterations() * canonical.size());
+  state.counters["record_bytes"] = canonical.size();
+}
+BENCHMARK(BM_ParseRecord);
+
+void BM_SerializeRecord(benchmark::State& state) {
+  const V record = typicalRecord();
+  const std::size_t size = record.canonicalString().size();
+  for (auto _ : state) benchmark::DoNotOptimize(record.canonicalString());
+  state.SetBytesProcessed(state.iterations() * size);
+}
+BENCHMARK(BM_SerializeRecord);
+
+void BM_DomainDigestRecord(benchmark::State& state) {
+  const V record = typicalRecord();
+  const std::size_t size = record.canonicalString().size();
+  for (auto _ : state) benchmark::DoNotOptimize(ORXDigest::domain(ORXDigestDomain::intent, record));
+  state.SetBytesProcessed(state.iterations() * size);
+}
+BENCHMARK(BM_DomainDigestRecord);
+
+void BM_SHA256OneMegabyte(benchmark::State& state) {
+  const std::vector<std::uint8_t> data(1 << 20, 0x5a);
+  for (auto _ : state) benchmark::DoNotOptimize(ORXSHA256::hash(data));
+  state.SetBytesProcessed(state.iterations() * data.size());
+}
+BENCHMARK(BM_SHA256OneMegabyte);
+
+}  // namespace
