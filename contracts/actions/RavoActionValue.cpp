@@ -1,0 +1,44 @@
+#include "contracts/actions/RavoActionValue.h"
+
+#include <cmath>
+#include <stdexcept>
+
+namespace {
+constexpr const char* kNonFinite = "non-finite action number";
+}  // namespace
+
+RavoJSON RavoActionValue::toJSON() const {
+  RavoJSONObjectWriter writer;
+  writer.add("kind", kind());
+  std::string key(ravoLabelText(kind()));
+  std::visit(
+      [&](const auto& value) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(value)>, double>) {
+          if (!std::isfinite(value)) throw std::invalid_argument(kNonFinite);
+        }
+        writer.add(key, value);
+      },
+      payload_);
+  return writer.take();
+}
+
+RavoActionValue RavoActionValue::fromJSON(const RavoJSON& json) {
+  RavoJSONObjectReader reader(json, "RavoActionValue");
+  switch (reader.required<RavoActionValueKind>("kind")) {
+    case RavoActionValueKind::string:
+      return string(reader.required<std::string>("string"));
+    case RavoActionValueKind::boolean:
+      return boolean(reader.required<bool>("boolean"));
+    case RavoActionValueKind::integer:
+      return integer(reader.required<std::int64_t>("integer"));
+    case RavoActionValueKind::number: {
+      // The shared number reader would refuse too, but the message names what went wrong for an action.
+      auto it = json.find("number");
+      if (it != json.end() && it->is_number_float() && !std::isfinite(it->get<double>())) {
+        ravo_json_detail::fail("RavoActionValue.number", kNonFinite);
+      }
+      return number(reader.required<double>("number"));
+    }
+  }
+  ravo_json_detail::fail("RavoActionValue.kind", "unknown kind");
+}

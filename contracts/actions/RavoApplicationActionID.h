@@ -1,0 +1,14 @@
+#pragma once
+// Identifies an action, e.g. "ravo.player.pause", and the application that offers it, e.g. "ravo.player".
+
+#include "contracts/support/RavoTextIdentifier.h"
+
+class RavoApplicationActionID : public RavoTextIdentifier<RavoApplicationActionID> {
+ public:
+  using RavoTextIdentifier::RavoTextIdentifier;
+};
+
+class RavoApplicationID : public RavoTextIdentifier<RavoApplicationID> {
+ public:
+  using RavoTextIdentifier::RavoTextIdentifier;
+};
