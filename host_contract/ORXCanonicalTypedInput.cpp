@@ -1,0 +1,14 @@
+#include "host_contract/ORXCanonicalTypedInput.h"
+
+#include "host_contract/ORXCanonicalForm.h"
+#include "host_contract/ORXSortedUnique.h"
+
+ORXCanonicalTypedInput::ORXCanonicalTypedInput(std::vector<ORXCapabilityObservation> observations)
+    : observations_(orxSortedUnique(
+          std::move(observations),
+          [](const ORXCapabilityObservation& o) -> const ORXDigest& { return o.observationID(); },
+          "observations have duplicate observation IDs")) {}
+
+ORXCanonicalValue ORXCanonicalTypedInput::canonicalValue() const {
+  return ORXCanonicalValue::object({{"observations", ORXCanonicalForm::array(observations_)}});
+}

@@ -1,0 +1,11 @@
+#include "host_contract/ORXDecision.h"
+
+#include "core/ORXError.h"
+
+ORXDecision::ORXDecision(ORXDecisionOutcome outcome, std::optional<ORXFailureReason> reason,
+                         ORXDigest evidenceDigest, ORXGenerationFence generation)
+    : outcome_(outcome), reason_(reason), evidenceDigest_(std::move(evidenceDigest)), generation_(std::move(generation)) {
+  if ((outcome_ == ORXDecisionOutcome::deny) != reason_.has_value()) {
+    throw ORXError::invalid("orx.v051.decision_evidence_invalid", "deny requires a reason and allow/limit require none");
+  }
+}

@@ -1,0 +1,19 @@
+#include "host_contract/ORXDecisionEvidenceSourceBinding.h"
+
+#include "core/ORXABILane.h"
+#include "core/ORXError.h"
+
+ORXDecisionEvidenceSourceBinding::ORXDecisionEvidenceSourceBinding(std::string orxABILane,
+                                                                   ORXDigest artifactBytesDigest,
+                                                                   ORXDigest interfaceDescriptorDigest,
+                                                                   ORXDigest packageIdentityDigest,
+                                                                   ORXDigest verifiedArtifactDigest)
+    : orxABILane_(std::move(orxABILane)),
+      artifactBytesDigest_(std::move(artifactBytesDigest)),
+      interfaceDescriptorDigest_(std::move(interfaceDescriptorDigest)),
+      packageIdentityDigest_(std::move(packageIdentityDigest)),
+      verifiedArtifactDigest_(std::move(verifiedArtifactDigest)) {
+  if (!orxIsAdmittedABILane(orxABILane_)) {
+    throw ORXError::invalid("orx.v051.decision_evidence_invalid", "ORX ABI lane is invalid");
+  }
+}

@@ -1,0 +1,16 @@
+#pragma once
+// The policy's answer: allow, deny or limit ("orx.host::DecisionOutcome").
+
+#include <cstdint>
+
+#include "host_contract/ORXHostEnum.h"
+
+enum class ORXDecisionOutcome : std::int32_t { allow = 0, deny = 1, limit = 2 };
+
+template <>
+struct ORXHostEnumTraits<ORXDecisionOutcome> {
+  static constexpr std::string_view typeID = "orx.host::DecisionOutcome";
+  static constexpr bool isErrorEnum = false;
+  static constexpr std::int32_t caseCount = 3;
+  static constexpr const char* unknownDiscriminant = "Decision outcome discriminant is invalid";
+};

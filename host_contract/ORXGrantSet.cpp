@@ -1,0 +1,13 @@
+#include "host_contract/ORXGrantSet.h"
+
+#include "host_contract/ORXCanonicalForm.h"
+#include "host_contract/ORXSortedUnique.h"
+
+ORXGrantSet::ORXGrantSet(std::vector<ORXCapabilityGrant> grants)
+    : grants_(orxSortedUnique(
+          std::move(grants), [](const ORXCapabilityGrant& g) -> const ORXDigest& { return g.grantID(); },
+          "grants have duplicate grant IDs")) {}
+
+ORXCanonicalValue ORXGrantSet::canonicalValue() const {
+  return ORXCanonicalValue::object({{"grants", ORXCanonicalForm::array(grants_)}});
+}

@@ -1,0 +1,26 @@
+#pragma once
+// A class of resource a budget or grant scope speaks of: a discriminant of "orx.host::ResourceClass"
+// (0-5). Ordered by discriminant.
+
+#include <compare>
+#include <cstdint>
+
+#include "core/ORXEnumValue.h"
+
+class ORXResourceClass {
+ public:
+  // Throws "orx.decision.enum_discriminant_invalid" outside 0-5.
+  explicit ORXResourceClass(std::int32_t discriminant);
+
+  std::int32_t discriminant() const { return value_.discriminant(); }
+  const ORXEnumValue& value() const { return value_; }
+  ORXCanonicalValue canonicalValue() const { return value_.canonicalValue(); }
+
+  friend bool operator==(const ORXResourceClass& a, const ORXResourceClass& b) { return a.value_ == b.value_; }
+  friend auto operator<=>(const ORXResourceClass& a, const ORXResourceClass& b) {
+    return a.discriminant() <=> b.discriminant();
+  }
+
+ private:
+  ORXEnumValue value_;
+};
