@@ -1,0 +1,42 @@
+#include "runtime/LoadedModule.h"
+
+#include <new>
+
+#include "runtime/RuntimeError.h"
+
+std::unique_ptr<LoadedModule> LoadedModule::instantiate(std::string_view name, std::span<const std::uint8_t> bytes,
+                                                        std::string digest) {
+  OrxInstantiationFailure failure{};
+  std::unique_ptr<OrxModuleInstance> instance;
+  try {
+    instance = instantiateInterpretedModule(bytes.data(), bytes.size(), failure);
+  } catch (const std::bad_alloc&) {
+    // The engine could not even set up its store: the equivalent of having no script context.
+    throw RuntimeError("JavaScriptCore is unavailable");
+  }
+  if (!instance) {
+    if (failure.kind == OrxInstantiationFailure::Kind::noDecideExport) {
+      throw RuntimeError("ORX module " + std::string(name) + " has no decide export");
+    }
+    std::string detail = failure.detail.empty() ? "unknown exception" : failure.detail;
+    throw RuntimeError("Could not instantiate ORX module " + std::string(name) + ": " + detail);
+  }
+  return std::make_unique<LoadedModule>(std::move(instance), std::move(digest));
+}
+
+LoadedModule::LoadedModule(std::unique_ptr<OrxModuleInstance> instance, std::string digest)
+    : instance_(std::move(instance)), digest_(std::move(digest)) {}
+
+OrxInvocation LoadedModule::invoke(std::span<const std::int32_t> arguments) noexcept {
+  try {
+    return instance_->invoke(arguments.data(), arguments.size());
+  } catch (const std::exception& error) {
+    OrxInvocation failed;
+    failed.error = error.what();
+    return failed;
+  } catch (...) {
+    OrxInvocation failed;
+    failed.error = "unknown exception";
+    return failed;
+  }
+}

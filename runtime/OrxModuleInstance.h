@@ -1,0 +1,52 @@
+#pragma once
+// The engine boundary: everything the module host needs from a WebAssembly engine, and nothing more.
+// A module imports `output.emit`, exports `decide`, and reports its answer by calling `emit`; only the
+// last `emit` of a call counts. Decision code sees this interface only; the engine behind it lives in
+// runtime/engine/ (compiled separately, because the engine's headers are C++17-only).
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct OrxInvocation {
+  // decide's return value converted like a script's ToInt32; absent when decide returns nothing.
+  std::optional<std::int32_t> result;
+  // The numeric values of the last `emit` of this call (non-numeric ones dropped); null when `emit`
+  // was not called. Owned by the instance and valid until its next invoke.
+  const std::vector<std::int32_t>* emitted = nullptr;
+  // The trap or conversion error the call raised, in a script's error text form ("RuntimeError: …").
+  std::optional<std::string> error;
+};
+
+class OrxModuleInstance {
+ public:
+  virtual ~OrxModuleInstance() = default;
+  // Calls `decide` with the arguments in order. Never throws for anything the module does; not safe
+  // for concurrent use (the runtime's lock serialises calls).
+  virtual OrxInvocation invoke(const std::int32_t* arguments, std::size_t count) = 0;
+};
+
+struct OrxInstantiationFailure {
+  enum class Kind {
+    invalidModule,   // not WebAssembly, invalid, refused by the verifier, or linking/instantiation failed
+    noDecideExport,  // instantiated, but exports no `decide`
+  };
+  Kind kind;
+  std::string detail;  // the engine's text for invalidModule
+};
+
+// Parses, validates and verifies bounded execution, then links `output.emit` and instantiates the
+// module in wabt's interpreter. On failure returns null and fills `failure`.
+std::unique_ptr<OrxModuleInstance> instantiateInterpretedModule(const std::uint8_t* bytes, std::size_t size,
+                                                                OrxInstantiationFailure& failure);
+
+// A module's imports and exports as signature texts, e.g. "func output.emit(i32, i32) -> (i32)" or
+// "memory memory"; nothing when the bytes are not a valid module. Used to check a package's contract.
+struct OrxModuleInterface {
+  std::vector<std::string> imports;
+  std::vector<std::string> exports;
+};
+std::optional<OrxModuleInterface> describeModuleInterface(const std::uint8_t* bytes, std::size_t size);

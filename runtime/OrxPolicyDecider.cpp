@@ -1,0 +1,160 @@
+#include "runtime/OrxPolicyDecider.h"
+
+#include <string_view>
+
+#include "runtime/OrxLog.h"
+
+namespace {
+
+constexpr std::int32_t kAuthorizationTag = 5201;
+constexpr std::int32_t kSyncTag = 5301;
+constexpr std::int32_t kCinemaTag = 5401;
+constexpr std::int32_t kMaxPolicyVersion = 10'000;
+constexpr std::int32_t kOneDayMilliseconds = 86'400'000;
+
+// An emitted record has exactly five values: tag, the decide result, then three fields.
+const std::vector<std::int32_t>* taggedRecord(const OrxInvocation& call, std::int32_t tag, std::int32_t result) {
+  const auto* emitted = call.emitted;
+  if (!emitted || emitted->size() != 5 || (*emitted)[0] != tag || (*emitted)[1] != result) return nullptr;
+  return emitted;
+}
+
+void logTrap(std::string_view prefix, const OrxInvocation& call) {
+  std::string message(prefix);
+  message += *call.error;
+  orxLog(OrxLogLevel::error, message);
+}
+
+std::string digestPrefix(const std::unique_ptr<LoadedModule>& module) { return module->digest().substr(0, 8); }
+
+}  // namespace
+
+OrxPolicyDecider::OrxPolicyDecider(OrxPolicyModules modules) : modules_(std::move(modules)) {}
+
+bool OrxPolicyDecider::isAuthorizationAvailable() const {
+  std::lock_guard guard(lock_);
+  return modules_.authorization != nullptr;
+}
+
+bool OrxPolicyDecider::isSyncAvailable() const {
+  std::lock_guard guard(lock_);
+  return modules_.sync != nullptr;
+}
+
+bool OrxPolicyDecider::isCinemaAdmissionAvailable() const {
+  std::lock_guard guard(lock_);
+  return modules_.cinemaAdmission != nullptr;
+}
+
+std::uint64_t OrxPolicyDecider::failureCount() const {
+  std::lock_guard guard(lock_);
+  return runtimeFailureCount_;
+}
+
+std::string OrxPolicyDecider::statusDescription() const {
+  std::lock_guard guard(lock_);
+  const auto& [authorization, sync, cinema] = modules_;
+  if (!authorization && !sync && !cinema) return "ORX unavailable \u00B7 native safe mode";
+  if (authorization && sync && cinema) {
+    return "ORX active \u00B7 " + digestPrefix(authorization) + " / " + digestPrefix(sync) + " / " + digestPrefix(cinema);
+  }
+  auto part = [](const char* label, const std::unique_ptr<LoadedModule>& module) {
+    return std::string(label) + (module ? " " + digestPrefix(module) : std::string(" unavailable"));
+  };
+  return "ORX partial \u00B7 " + part("authz", authorization) + " / " + part("sync", sync) + " / " +
+         part("cinema", cinema);
+}
+
+template <class Decision>
+Decision OrxPolicyDecider::fail(Decision failSafe) {
+  ++runtimeFailureCount_;
+  return failSafe;
+}
+
+OrxAuthorizationDecision OrxPolicyDecider::authorize(const AuthorizationFacts& facts) {
+  std::lock_guard guard(lock_);
+  if (!modules_.authorization) return fail(OrxAuthorizationDecision::runtimeUnavailable());
+  const auto arguments = facts.arguments();
+  const OrxInvocation call = modules_.authorization->invoke(arguments);
+  const std::int32_t result = call.result.value_or(0);
+  if (call.error) {
+    logTrap("ORX authorization trapped; denying command: ", call);
+    return fail(OrxAuthorizationDecision::runtimeUnavailable());
+  }
+  const auto* record = taggedRecord(call, kAuthorizationTag, result);
+  if (!record || (result != 0 && result != 1) || (*record)[2] != facts.command) {
+    return fail(OrxAuthorizationDecision::invalid());
+  }
+  const auto reason = orxAuthorizationReason((*record)[3]);
+  const std::int32_t policyVersion = (*record)[4];
+  if (!reason || policyVersion < 1 || policyVersion > kMaxPolicyVersion) return fail(OrxAuthorizationDecision::invalid());
+  return {result == 1, *reason, policyVersion};
+}
+
+OrxSyncDecision OrxPolicyDecider::correctSync(const SyncFacts& facts) {
+  std::lock_guard guard(lock_);
+  if (!modules_.sync) return fail(OrxSyncDecision::hold());
+  const auto arguments = facts.arguments();
+  const OrxInvocation call = modules_.sync->invoke(arguments);
+  const std::int32_t result = call.result.value_or(0);
+  if (call.error) {
+    logTrap("ORX sync correction trapped; holding: ", call);
+    return fail(OrxSyncDecision::hold());
+  }
+  const auto action = orxSyncAction(result);
+  const auto* record = taggedRecord(call, kSyncTag, result);
+  if (!action || !record || !isValidHostSyncOutput(*action, (*record)[2], (*record)[3], (*record)[4])) {
+    return fail(OrxSyncDecision::hold());
+  }
+  return {*action, (*record)[2], (*record)[3], (*record)[4]};
+}
+
+OrxCinemaAdmissionDecision OrxPolicyDecider::decideCinemaAdmission(const CinemaAdmissionFacts& facts) {
+  std::lock_guard guard(lock_);
+  if (!modules_.cinemaAdmission) return fail(OrxCinemaAdmissionDecision::metalFXOnly());
+  const auto arguments = facts.arguments();
+  const OrxInvocation call = modules_.cinemaAdmission->invoke(arguments);
+  const std::int32_t result = call.result.value_or(-1);
+  if (call.error) {
+    logTrap("ORX Cinema admission trapped; retaining MetalFX: ", call);
+    return fail(OrxCinemaAdmissionDecision::metalFXOnly());
+  }
+  const auto route = orxCinemaAdmissionRoute(result);
+  const auto* record = taggedRecord(call, kCinemaTag, result);
+  const auto reason = record ? orxCinemaAdmissionReason((*record)[4]) : std::nullopt;
+  if (!route || !reason || !isValidCinemaAdmissionOutput(*route, (*record)[2], (*record)[3], *reason)) {
+    return fail(OrxCinemaAdmissionDecision::metalFXOnly());
+  }
+  return {*route, (*record)[2], (*record)[3], *reason};
+}
+
+bool OrxPolicyDecider::isValidHostSyncOutput(OrxSyncAction action, std::int32_t rateX1000,
+                                             std::int32_t correctionMilliseconds, std::int32_t reason) {
+  if (rateX1000 < 950 || rateX1000 > 1050) return false;
+  if (correctionMilliseconds < -kOneDayMilliseconds || correctionMilliseconds > kOneDayMilliseconds) return false;
+  if (reason < 0 || reason > 5) return false;
+  switch (action) {
+    case OrxSyncAction::hold: return rateX1000 == 1000 && correctionMilliseconds == 0;
+    case OrxSyncAction::nudge: return correctionMilliseconds == 0;
+    case OrxSyncAction::seek: return rateX1000 == 1000;
+  }
+  return false;
+}
+
+bool OrxPolicyDecider::isValidCinemaAdmissionOutput(OrxCinemaAdmissionRoute route,
+                                                    std::int32_t sparseAnchorIntervalFrames,
+                                                    std::int32_t safeBudgetTenthsMilliseconds,
+                                                    OrxCinemaAdmissionReason reason) {
+  if (sparseAnchorIntervalFrames < 0 || sparseAnchorIntervalFrames > 10'000) return false;
+  if (safeBudgetTenthsMilliseconds < 0 || safeBudgetTenthsMilliseconds > 1'000'000) return false;
+  using Route = OrxCinemaAdmissionRoute;
+  using Reason = OrxCinemaAdmissionReason;
+  switch (route) {
+    case Route::metalFXOnly: return sparseAnchorIntervalFrames == 0 && reason != Reason::liveSafe;
+    case Route::fullFrameML: return sparseAnchorIntervalFrames == 0 && reason == Reason::liveSafe;
+    case Route::sparseAnchorResearch: return sparseAnchorIntervalFrames >= 2 && reason == Reason::sparseResearch;
+    case Route::calibration: return sparseAnchorIntervalFrames == 0 && reason == Reason::calibration;
+    case Route::measurementRequired: return sparseAnchorIntervalFrames == 0 && reason == Reason::invalidFacts;
+  }
+  return false;
+}

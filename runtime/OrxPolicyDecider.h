@@ -1,0 +1,52 @@
+#pragma once
+// Takes the three decisions with whatever modules it was given: packs the facts, calls `decide`,
+// accepts an answer only when the emitted record repeats it under the module's tag with every field in
+// range, and otherwise returns the fail-safe decision and counts the failure. One non-recursive lock is
+// held for the whole of each decision, so no two calls share an engine instance and no call observes
+// another's emitted values. Never throws.
+//
+// OrxPolicyRuntime feeds it only digest-verified modules; tests and the package check feed it modules
+// directly.
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "runtime/LoadedModule.h"
+#include "runtime/OrxPolicyDecisions.h"
+#include "runtime/OrxPolicyFacts.h"
+
+struct OrxPolicyModules {
+  std::unique_ptr<LoadedModule> authorization;
+  std::unique_ptr<LoadedModule> sync;
+  std::unique_ptr<LoadedModule> cinemaAdmission;
+};
+
+class OrxPolicyDecider {
+ public:
+  explicit OrxPolicyDecider(OrxPolicyModules modules);
+
+  bool isAuthorizationAvailable() const;
+  bool isSyncAvailable() const;
+  bool isCinemaAdmissionAvailable() const;
+  std::string statusDescription() const;
+  std::uint64_t failureCount() const;
+
+  OrxAuthorizationDecision authorize(const AuthorizationFacts& facts);
+  OrxSyncDecision correctSync(const SyncFacts& facts);
+  OrxCinemaAdmissionDecision decideCinemaAdmission(const CinemaAdmissionFacts& facts);
+
+  static bool isValidHostSyncOutput(OrxSyncAction action, std::int32_t rateX1000, std::int32_t correctionMilliseconds,
+                                    std::int32_t reason);
+  static bool isValidCinemaAdmissionOutput(OrxCinemaAdmissionRoute route, std::int32_t sparseAnchorIntervalFrames,
+                                           std::int32_t safeBudgetTenthsMilliseconds, OrxCinemaAdmissionReason reason);
+
+ private:
+  template <class Decision>
+  Decision fail(Decision failSafe);  // caller holds lock_
+
+  mutable std::mutex lock_;
+  OrxPolicyModules modules_;
+  std::uint64_t runtimeFailureCount_ = 0;
+};

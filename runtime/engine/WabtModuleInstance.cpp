@@ -1,0 +1,207 @@
+// wabt's interpreter behind the engine boundary.
+//
+// The import object and the call protocol reproduce the reference script host natively:
+// `output.emit` stores all its arguments and returns 0, replacing what an earlier call stored; the
+// emitted list is reset before every `decide` call; values a script would not see as numbers are
+// dropped. Because a module may declare any signature, values cross the boundary as a script host
+// would convert them:
+//   emit parameters   i32 as is; f32/f64 by ToInt32; i64 (a BigInt to a script) and references are
+//                     dropped; v128 makes the call fail with a TypeError.
+//   emit results      none; one i32/f32/f64 receives 0, one externref null; i64, funcref, v128 or
+//                     several results make the call fail with a TypeError (0 is neither a BigInt, a
+//                     function nor iterable).
+//   decide parameters i32 receives the argument (0 when missing); f32/f64 the argument as a number
+//                     (NaN when missing); externref null; i64, funcref and v128 fail with a TypeError.
+//   decide results    none: no result; one i32 as is, f32/f64 by ToInt32, i64 its low 32 bits;
+//                     references and several results give 0 (ToInt32 of an object or array).
+
+#include <wabt/binary-reader.h>
+#include <wabt/error-formatter.h>
+#include <wabt/interp/binary-reader-interp.h>
+#include <wabt/interp/interp.h>
+
+#include <cmath>
+
+#include "runtime/OrxModuleInstance.h"
+#include "runtime/engine/OrxBoundedExecutionVerifier.h"
+#include "runtime/engine/ScriptNumberConversion.h"
+
+namespace {
+
+using namespace wabt::interp;
+using wabt::Type;
+
+constexpr const char* kTypeError = "TypeError: an argument or result has a type that cannot cross the boundary";
+
+class WabtModuleInstance final : public OrxModuleInstance {
+ public:
+  WabtModuleInstance() : store_(wabt::Features{}) {}
+
+  // Returns false and fills `failure` when the module cannot be instantiated.
+  bool instantiate(const std::uint8_t* bytes, std::size_t size, OrxInstantiationFailure& failure) {
+    wabt::Errors errors;
+    ModuleDesc desc;
+    wabt::ReadBinaryOptions options(store_.features(), nullptr, false, true, false);
+    if (wabt::Failed(ReadBinaryInterp("module", bytes, size, options, &errors, &desc))) {
+      return fail(failure, "CompileError: " + trimmed(wabt::FormatErrorsToString(errors, wabt::Location::Type::Binary)));
+    }
+    if (auto refusal = verifyBoundedExecution(bytes, size)) {
+      return fail(failure, "VerifierError: execution cannot be bounded because " + *refusal);
+    }
+
+    module_ = Module::New(store_, std::move(desc));
+    RefVec imports;
+    for (const auto& import : module_->desc().imports) {
+      const auto& type = import.type;
+      if (type.module != "output" || type.name != "emit" || type.type->kind != ExternKind::Func) {
+        return fail(failure, "LinkError: import " + type.module + "." + type.name +
+                                 " is not provided (only the function output.emit is)");
+      }
+      imports.push_back(makeEmit(*wabt::cast<FuncType>(type.type.get())).ref());
+    }
+
+    Trap::Ptr trap;
+    instance_ = Instance::Instantiate(store_, module_.ref(), imports, &trap);
+    if (!instance_) {
+      return fail(failure, "RuntimeError: " + (trap ? trap->message() : std::string("instantiation failed")));
+    }
+
+    bool found = false;
+    const auto& exports = module_->export_types();
+    for (size_t i = 0; i < exports.size(); ++i) {
+      if (exports[i].name != "decide") continue;
+      found = true;
+      // An export named decide that is not a function exists but cannot be called, as in a script.
+      if (exports[i].type->kind == ExternKind::Func) decide_ = store_.UnsafeGet<Func>(instance_->exports()[i]);
+    }
+    if (!found) {
+      failure = {OrxInstantiationFailure::Kind::noDecideExport, {}};
+      return false;
+    }
+    thread_ = std::make_unique<Thread>(store_);
+    return true;
+  }
+
+  OrxInvocation invoke(const std::int32_t* arguments, std::size_t count) override {
+    emitted_.clear();
+    hasEmitted_ = false;
+    typeErrorRaised_ = false;
+    OrxInvocation invocation;
+    if (!decide_) {
+      invocation.error = "TypeError: decide is not a function";
+    } else if (!packArguments(arguments, count)) {
+      invocation.error = kTypeError;
+    } else {
+      results_.clear();
+      Trap::Ptr trap;
+      if (wabt::Failed(decide_->Call(*thread_, params_, results_, &trap))) {
+        invocation.error = typeErrorRaised_ ? std::string(kTypeError)
+                                            : "RuntimeError: " + (trap ? trap->message() : std::string("unknown trap"));
+      } else {
+        invocation.result = convertResult();
+      }
+    }
+    if (hasEmitted_) invocation.emitted = &emitted_;
+    return invocation;
+  }
+
+ private:
+  static bool fail(OrxInstantiationFailure& failure, std::string detail) {
+    failure = {OrxInstantiationFailure::Kind::invalidModule, std::move(detail)};
+    return false;
+  }
+
+  static std::string trimmed(std::string text) {
+    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
+    return text;
+  }
+
+  HostFunc::Ptr makeEmit(const FuncType& type) {
+    return HostFunc::New(store_, type, [this, type](Thread&, const Values& params, Values& results, Trap::Ptr* trap) {
+      return emit(type, params, results, trap);
+    });
+  }
+
+  wabt::Result emit(const FuncType& type, const Values& params, Values& results, Trap::Ptr* trap) {
+    for (Type param : type.params) {
+      if (param == Type::V128) return typeError(trap);  // refused before the values are stored
+    }
+    emitted_.clear();
+    hasEmitted_ = true;
+    for (size_t i = 0; i < params.size() && i < type.params.size(); ++i) {
+      switch (type.params[i]) {
+        case Type::I32: emitted_.push_back(params[i].Get<s32>()); break;
+        case Type::F32: emitted_.push_back(scriptToInt32(params[i].Get<f32>())); break;
+        case Type::F64: emitted_.push_back(scriptToInt32(params[i].Get<f64>())); break;
+        default: break;  // not a script number: dropped
+      }
+    }
+    // The stored values stay even when the returned 0 cannot be converted to the declared result.
+    if (type.results.size() > 1) return typeError(trap);
+    results.resize(type.results.size());
+    if (type.results.empty()) return wabt::Result::Ok;
+    switch (type.results[0]) {
+      case Type::I32: results[0] = Value::Make(s32{0}); return wabt::Result::Ok;
+      case Type::F32: results[0] = Value::Make(f32{0}); return wabt::Result::Ok;
+      case Type::F64: results[0] = Value::Make(f64{0}); return wabt::Result::Ok;
+      case Type::ExternRef: results[0] = Value::Make(Ref::Null); return wabt::Result::Ok;
+      default: return typeError(trap);
+    }
+  }
+
+  // A conversion the script host would refuse; the call then fails with a TypeError, not a trap.
+  wabt::Result typeError(Trap::Ptr* trap) {
+    *trap = Trap::New(store_, "type conversion refused");
+    typeErrorRaised_ = true;
+    return wabt::Result::Error;
+  }
+
+  bool packArguments(const std::int32_t* arguments, std::size_t count) {
+    const auto& types = decide_->type().params;
+    params_.resize(types.size());
+    for (size_t i = 0; i < types.size(); ++i) {
+      const bool given = i < count;
+      const std::int32_t argument = given ? arguments[i] : 0;
+      switch (types[i]) {
+        case Type::I32: params_[i] = Value::Make(s32{argument}); break;
+        case Type::F32: params_[i] = Value::Make(given ? static_cast<f32>(argument) : std::nanf("")); break;
+        case Type::F64: params_[i] = Value::Make(given ? static_cast<f64>(argument) : std::nan("")); break;
+        case Type::ExternRef: params_[i] = Value::Make(Ref::Null); break;
+        default: return false;
+      }
+    }
+    return true;
+  }
+
+  std::int32_t convertResult() const {
+    const auto& types = decide_->type().results;
+    if (types.size() != 1) return 0;  // several results reach a script as an array
+    switch (types[0]) {
+      case Type::I32: return results_[0].Get<s32>();
+      case Type::I64: return static_cast<std::int32_t>(static_cast<std::uint32_t>(results_[0].Get<u64>()));
+      case Type::F32: return scriptToInt32(results_[0].Get<f32>());
+      case Type::F64: return scriptToInt32(results_[0].Get<f64>());
+      default: return 0;
+    }
+  }
+
+  Store store_;
+  Module::Ptr module_;
+  Instance::Ptr instance_;
+  Func::Ptr decide_;
+  std::unique_ptr<Thread> thread_;
+  Values params_;   // reused across calls: no allocation per decision
+  Values results_;
+  std::vector<std::int32_t> emitted_;
+  bool hasEmitted_ = false;
+  bool typeErrorRaised_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<OrxModuleInstance> instantiateInterpretedModule(const std::uint8_t* bytes, std::size_t size,
+                                                                OrxInstantiationFailure& failure) {
+  auto instance = std::make_unique<WabtModuleInstance>();
+  if (!instance->instantiate(bytes, size, failure)) return nullptr;
+  return instance;
+}

@@ -1,0 +1,40 @@
+#include <wabt/binary-reader.h>
+#include <wabt/interp/binary-reader-interp.h>
+#include <wabt/interp/interp.h>
+
+#include "runtime/OrxModuleInstance.h"
+
+namespace {
+
+using namespace wabt::interp;
+
+std::string typeList(const wabt::TypeVector& types) {
+  std::string text = "(";
+  for (size_t i = 0; i < types.size(); ++i) {
+    if (i) text += ", ";
+    text += types[i].GetName();
+  }
+  return text + ")";
+}
+
+std::string describe(const std::string& name, const ExternType& type) {
+  if (type.kind != ExternKind::Func) return std::string(wabt::GetKindName(type.kind)) + " " + name;
+  const auto& function = *wabt::cast<FuncType>(&type);
+  return "func " + name + typeList(function.params) + " -> " + typeList(function.results);
+}
+
+}  // namespace
+
+std::optional<OrxModuleInterface> describeModuleInterface(const std::uint8_t* bytes, std::size_t size) {
+  wabt::Errors errors;
+  ModuleDesc desc;
+  wabt::Features features;
+  wabt::ReadBinaryOptions options(features, nullptr, false, true, false);
+  if (wabt::Failed(ReadBinaryInterp("module", bytes, size, options, &errors, &desc))) return std::nullopt;
+  OrxModuleInterface interface;
+  for (const auto& import : desc.imports) {
+    interface.imports.push_back(describe(import.type.module + "." + import.type.name, *import.type.type));
+  }
+  for (const auto& export_ : desc.exports) interface.exports.push_back(describe(export_.type.name, *export_.type.type));
+  return interface;
+}
