@@ -66,6 +66,19 @@ icu::BreakIterator& characterBreaks(const icu::UnicodeString& text) {
   return *iterator;
 }
 
+// Whether `test` holds for any code point of the UTF-8 text; an ill-formed sequence reads as a negative value.
+template <class Test>
+bool anyCodePoint(std::string_view text, Test test) {
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+  const auto length = static_cast<std::int64_t>(text.size());
+  for (std::int64_t i = 0; i < length;) {
+    UChar32 c;
+    U8_NEXT(bytes, i, length, c);
+    if (test(c)) return true;
+  }
+  return false;
+}
+
 bool isLetterOrNumber(UChar32 c) { return (U_GET_GC_MASK(c) & (U_GC_L_MASK | U_GC_N_MASK)) != 0; }
 
 }  // namespace
@@ -100,26 +113,14 @@ std::size_t ravoGraphemeCount(std::string_view text) {
 }
 
 bool ravoContainsControlCharacter(std::string_view text) {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-  const auto length = static_cast<std::int64_t>(text.size());
-  for (std::int64_t i = 0; i < length;) {
-    UChar32 c;
-    U8_NEXT_OR_FFFD(bytes, i, length, c);
-    auto type = u_charType(c);
-    if (type == U_CONTROL_CHAR || type == U_FORMAT_CHAR) return true;
-  }
-  return false;
+  return anyCodePoint(text, [](UChar32 c) {
+    auto type = u_charType(c < 0 ? 0xFFFD : c);
+    return type == U_CONTROL_CHAR || type == U_FORMAT_CHAR;
+  });
 }
 
 bool ravoIsValidUTF8(std::string_view text) {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-  const auto length = static_cast<std::int64_t>(text.size());
-  for (std::int64_t i = 0; i < length;) {
-    UChar32 c;
-    U8_NEXT(bytes, i, length, c);
-    if (c < 0) return false;
-  }
-  return true;
+  return !anyCodePoint(text, [](UChar32 c) { return c < 0; });
 }
 
 std::vector<std::string> ravoTextTokens(std::string_view text) {
