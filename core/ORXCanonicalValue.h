@@ -22,7 +22,9 @@ class ORXCanonicalObject {
 
   ORXCanonicalObject();
   // Throws ORXError::duplicate naming the first key repeated in input order, or ORXError::invalid when
-  // a key is not UTF-8; stores the fields sorted by key.
+  // a key is not UTF-8; stores the fields sorted by key. Keys repeat when their bytes are equal: two
+  // canonically equivalent spellings are different keys, which keeps the check exact and cheap (every
+  // record of the host contract uses ASCII keys).
   explicit ORXCanonicalObject(Fields fields);
 
   const Fields& fields() const { return fields_; }

@@ -75,12 +75,13 @@ std::int32_t readEnumDiscriminant(const Value& value, std::string_view typeID, b
   return narrowed;
 }
 
+// The case of a host enumeration; `unknown` is the message for a registered discriminant without a case.
 template <class E>
-E readHostEnum(const Value& value) {
+E readHostEnum(const Value& value, const char* unknown) {
   using Traits = ORXHostEnumTraits<E>;
   const auto discriminant = readEnumDiscriminant(value, Traits::typeID, Traits::isErrorEnum);
   const std::optional<E> result = orxHostEnumFromDiscriminant<E>(discriminant);
-  if (!result) invalid(Traits::unknownDiscriminant);
+  if (!result) invalid(unknown);
   return *result;
 }
 
@@ -155,7 +156,7 @@ ORXOptionalGrantScope readOptionalGrantScope(const Value& value) {
 
 ORXOptionalFailureReason readOptionalFailureReason(const Value& value) {
   const Value* payload = readOption(value, ORXHostOptionTraits<ORXFailureReason>::typeText);
-  return payload ? ORXOptionalFailureReason::some(readHostEnum<ORXFailureReason>(*payload))
+  return payload ? ORXOptionalFailureReason::some(readHostEnum<ORXFailureReason>(*payload, "FailureReason discriminant is invalid"))
                  : ORXOptionalFailureReason::none();
 }
 
@@ -174,7 +175,8 @@ ORXDecisionEvidenceRecord decodeRecord(const Value& value) {
   // is the one reported.
   ORXDigest typedInputDigest = readDigest(object, "canonical_typed_input_digest");
   ORXDeadline deadline = readDeadline(member(object, "deadline"));
-  const auto outcome = readHostEnum<ORXDecisionOutcome>(member(object, "decision_outcome"));
+  const auto outcome = readHostEnum<ORXDecisionOutcome>(member(object, "decision_outcome"),
+                                                    "Decision outcome discriminant is invalid");
   std::vector<ORXBudget> effectiveBudgets = readBudgets(member(object, "effective_budgets"));
   ORXOptionalGrantScope effectiveScope = readOptionalGrantScope(member(object, "effective_scope"));
   ORXGenerationFence fence = readGenerationFence(member(object, "generation_fence"));

@@ -12,5 +12,4 @@ struct ORXHostEnumTraits<ORXDecisionOutcome> {
   static constexpr std::string_view typeID = "orx.host::DecisionOutcome";
   static constexpr bool isErrorEnum = false;
   static constexpr std::int32_t caseCount = 3;
-  static constexpr const char* unknownDiscriminant = "Decision outcome discriminant is invalid";
 };

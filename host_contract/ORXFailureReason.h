@@ -29,7 +29,6 @@ struct ORXHostEnumTraits<ORXFailureReason> {
   static constexpr std::string_view typeID = "orx.host::FailureReason";
   static constexpr bool isErrorEnum = true;
   static constexpr std::int32_t caseCount = 14;
-  static constexpr const char* unknownDiscriminant = "FailureReason discriminant is invalid";
 };
 
 template <>

@@ -4,7 +4,6 @@
 //   static constexpr std::string_view typeID;          its closed enum identity
 //   static constexpr bool isErrorEnum;                 whether the registry lists it as an error enum
 //   static constexpr std::int32_t caseCount;           raw values are 0 ..< caseCount
-//   static constexpr const char* unknownDiscriminant;  message for a discriminant without a case
 
 #include <cstdint>
 #include <optional>

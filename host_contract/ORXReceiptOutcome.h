@@ -12,5 +12,4 @@ struct ORXHostEnumTraits<ORXReceiptOutcome> {
   static constexpr std::string_view typeID = "orx.host::ReceiptOutcome";
   static constexpr bool isErrorEnum = false;
   static constexpr std::int32_t caseCount = 5;
-  static constexpr const char* unknownDiscriminant = "ReceiptOutcome discriminant is invalid";
 };

@@ -1,6 +1,8 @@
 #pragma once
 // A class of resource a budget or grant scope speaks of: a discriminant of "orx.host::ResourceClass"
-// (0-5). Ordered by discriminant.
+// (0-5). Ordered by discriminant. The discriminants stay unnamed here: which resource each one stands
+// for is agreed between the host and its policies, and naming them would fix that agreement in the
+// contract.
 
 #include <compare>
 #include <cstdint>

@@ -12,5 +12,4 @@ struct ORXHostEnumTraits<ORXTerminalState> {
   static constexpr std::string_view typeID = "orx.host::TerminalState";
   static constexpr bool isErrorEnum = false;
   static constexpr std::int32_t caseCount = 3;
-  static constexpr const char* unknownDiscriminant = "TerminalState discriminant is invalid";
 };
