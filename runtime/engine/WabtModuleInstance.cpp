@@ -97,6 +97,9 @@ class WabtModuleInstance final : public OrxModuleInstance {
       if (wabt::Failed(decide_->Call(*thread_, params_, results_, &trap))) {
         invocation.error = typeErrorRaised_ ? std::string(kTypeError)
                                             : "RuntimeError: " + (trap ? trap->message() : std::string("unknown trap"));
+        // A trap unwinds nothing: the interpreter thread keeps the failed call's frames and values,
+        // and reusing it would shift every later call's locals. Start the next call on a fresh one.
+        thread_ = std::make_unique<Thread>(store_);
       } else {
         invocation.result = convertResult();
       }
@@ -173,9 +176,10 @@ class WabtModuleInstance final : public OrxModuleInstance {
     return true;
   }
 
-  std::int32_t convertResult() const {
+  std::optional<std::int32_t> convertResult() const {
     const auto& types = decide_->type().results;
-    if (types.size() != 1) return 0;  // several results reach a script as an array
+    if (types.empty()) return std::nullopt;
+    if (types.size() > 1) return 0;  // several results reach a script as an array
     switch (types[0]) {
       case Type::I32: return results_[0].Get<s32>();
       case Type::I64: return static_cast<std::int32_t>(static_cast<std::uint32_t>(results_[0].Get<u64>()));

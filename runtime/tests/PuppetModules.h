@@ -1,0 +1,35 @@
+#pragma once
+// Test support: "puppet" policy modules whose answer is dictated by their arguments, so that a test can
+// make a module emit any record. decide(a0 … aN) with mode a0:
+//   0 emits [a2, a3, a4, a5, a6] and returns a7
+//   1 returns a7 without emitting
+//   2 traps (unreachable)
+//   3 emits [0, 0, 0, 0, 0] first, then the record of mode 0 (only the last emit counts)
+//   4 emits only [a2, a3, a4, a5] and returns a7
+
+#include <memory>
+#include <string>
+
+#include "runtime/LoadedModule.h"
+#include "runtime/OrxPolicyDecider.h"
+#include "runtime/tests/WatAssembler.h"
+
+inline std::unique_ptr<LoadedModule> puppetModule(int arity) {
+  std::string params;
+  for (int i = 0; i < arity; ++i) params += " i32";
+  const std::string wat = R"wat((module
+  (import "output" "emit" (func $emit5 (param i32 i32 i32 i32 i32) (result i32)))
+  (import "output" "emit" (func $emit4 (param i32 i32 i32 i32) (result i32)))
+  (func (export "decide") (param)wat" + params + R"wat() (result i32)
+    (if (i32.eq (local.get 0) (i32.const 2)) (then unreachable))
+    (if (i32.eq (local.get 0) (i32.const 3))
+      (then (drop (call $emit5 (i32.const 0) (i32.const 0) (i32.const 0) (i32.const 0) (i32.const 0)))))
+    (if (i32.eq (local.get 0) (i32.const 4))
+      (then (drop (call $emit4 (local.get 2) (local.get 3) (local.get 4) (local.get 5)))))
+    (if (i32.or (i32.eqz (local.get 0)) (i32.eq (local.get 0) (i32.const 3)))
+      (then (drop (call $emit5 (local.get 2) (local.get 3) (local.get 4) (local.get 5) (local.get 6)))))
+    (local.get 7))))wat";
+  return LoadedModule::instantiate("puppet", assembleWat(wat), std::string(64, 'a'));
+}
+
+inline OrxPolicyModules puppetModules() { return {puppetModule(8), puppetModule(8), puppetModule(13)}; }
