@@ -50,13 +50,13 @@ ORXDigest readDigest(const Object& object, std::string_view key) { return ORXDig
 
 std::int64_t readI64(const Value& value) {
   const Object& object = readObject(value, {"decimal", "type"}, "i64");
-  const std::string& decimal = readString(object, "decimal");
-  const std::string& type = readString(object, "type");
+  const std::string* decimal = member(object, "decimal").asString();
+  const std::string* type = member(object, "type").asString();
   std::int64_t result = 0;
-  const auto [end, error] = std::from_chars(decimal.data(), decimal.data() + decimal.size(), result);
   // Only the one spelling the writer produces: no "+", no leading zeros, no "-0".
-  const bool canonical = type == "i64" && error == std::errc() && end == decimal.data() + decimal.size() &&
-                         std::to_string(result) == decimal;
+  const bool canonical = decimal && type && *type == "i64" &&
+                         std::from_chars(decimal->data(), decimal->data() + decimal->size(), result).ec == std::errc() &&
+                         std::to_string(result) == *decimal;
   if (!canonical) invalid("i64 is not canonical");
   return result;
 }

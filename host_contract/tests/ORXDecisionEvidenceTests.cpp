@@ -130,6 +130,7 @@ TEST(ORXDecisionEvidenceRecord, StrictReaderRefusesAllButItsOwnBytes) {
       {"plus epoch", replaced(allow, epoch, R"("epoch":{"decimal":"+7","type":"i64"})"), kEvidenceInvalid + "i64 is not canonical"},
       {"zero-led epoch", replaced(allow, epoch, R"("epoch":{"decimal":"07","type":"i64"})"), kEvidenceInvalid + "i64 is not canonical"},
       {"epoch of type i32", replaced(allow, epoch, R"("epoch":{"decimal":"7","type":"i32"})"), kEvidenceInvalid + "i64 is not canonical"},
+      {"epoch as a number", replaced(allow, epoch, R"("epoch":{"decimal":7,"type":"i64"})"), kEvidenceInvalid + "i64 is not canonical"},
       {"bare epoch", replaced(allow, epoch, R"("epoch":7)"), kEvidenceInvalid + "i64 must be an object"},
       {"negative epoch", replaced(allow, epoch, R"("epoch":{"decimal":"-7","type":"i64"})"),
        "orx.v051.typed_value_invalid: generation epoch must be nonnegative"},
