@@ -1,0 +1,188 @@
+// Tampered copies of the bundled artifacts are refused with the runtime's own texts: top-level
+// evidence problems disable everything, per-module problems only that module.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <functional>
+
+#include <nlohmann/json.hpp>
+
+#include "runtime/OrxLog.h"
+#include "runtime/OrxPolicyRuntime.h"
+#include "runtime/tests/WatAssembler.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+class ArtifactCopy {
+ public:
+  ArtifactCopy() : path_(fs::temp_directory_path() / ("orx-provenance-" + std::to_string(::getpid()))) {
+    fs::remove_all(path_);
+    fs::copy("artifacts", path_);
+  }
+  ~ArtifactCopy() { fs::remove_all(path_); }
+  const fs::path& path() const { return path_; }
+
+  void editEvidence(const std::function<void(Json&)>& edit) const {
+    Json evidence = Json::parse(readTestFile(path_ / "evidence.json"));
+    edit(evidence);
+    std::ofstream(path_ / "evidence.json", std::ios::trunc) << evidence.dump(2);
+  }
+  void flipByte(const std::string& file) const {
+    auto bytes = readTestFile(path_ / file);
+    bytes[bytes.size() / 2] ^= 0x01;
+    std::ofstream(path_ / file, std::ios::binary | std::ios::trunc)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  }
+
+ private:
+  fs::path path_;
+};
+
+Json& moduleRecord(Json& evidence, const std::string& name) {
+  for (auto& record : evidence["modules"]) {
+    if (record["module"] == name) return record;
+  }
+  throw std::runtime_error("no record " + name);
+}
+
+const std::string kNoModules = "ORX unavailable \u00B7 native safe mode";
+
+TEST(OrxArtifactProvenance, BundledArtifactsVerifyAgainstTheBuildConstants) {
+  OrxPolicyRuntime runtime(fs::path("artifacts"));
+  EXPECT_FALSE(runtime.loadError());
+  EXPECT_EQ(runtime.statusDescription(), "ORX active \u00B7 c3ea776c / 7155bd93 / 92624572");
+}
+
+TEST(OrxArtifactProvenance, TamperedCopiesAreRefusedWithTheRuntimesTexts) {
+  struct Case {
+    const char* name;
+    std::function<void(const ArtifactCopy&)> tamper;
+    std::string loadError;  // a prefix when it ends in "…"
+    std::string status;
+  };
+  const Case cases[] = {
+      {"flipped byte in a module", [](auto& copy) { copy.flipByte("sync_correction.wasm"); },
+       "sync_correction: ORX artifact digest mismatch for sync_correction",
+       "ORX partial \u00B7 authz c3ea776c / sync unavailable / cinema 92624572"},
+      {"flipped byte in a package check", [](auto& copy) { copy.flipByte("cinema_admission.package-check.json"); },
+       "cinema_admission: ORX package-check digest mismatch for cinema_admission",
+       "ORX partial \u00B7 authz c3ea776c / sync 7155bd93 / cinema unavailable"},
+      {"removed module record",
+       [](auto& copy) { copy.editEvidence([](Json& e) { e["modules"].erase(0); }); },
+       "player_authz: Missing passing package-check evidence for player_authz",
+       "ORX partial \u00B7 authz unavailable / sync 7155bd93 / cinema 92624572"},
+      {"failing package-check status",
+       [](auto& copy) { copy.editEvidence([](Json& e) { moduleRecord(e, "player_authz")["packageCheckStatus"] = "fail"; }); },
+       "player_authz: Missing passing package-check evidence for player_authz",
+       "ORX partial \u00B7 authz unavailable / sync 7155bd93 / cinema 92624572"},
+      {"two modules failing, joined in load order",
+       [](auto& copy) {
+         copy.editEvidence([](Json& e) {
+           moduleRecord(e, "cinema_admission")["hostAbi"] = "0.12";
+           moduleRecord(e, "player_authz")["orxAbi"] = "0.9";
+         });
+       },
+       "player_authz: ORX source/package/compiler identity mismatch for player_authz; cinema_admission: ORX "
+       "source/package/compiler identity mismatch for cinema_admission",
+       "ORX partial \u00B7 authz unavailable / sync 7155bd93 / cinema unavailable"},
+      {"module record with another compiler",
+       [](auto& copy) { copy.editEvidence([](Json& e) { moduleRecord(e, "sync_correction")["compilerIdentity"] = "x"; }); },
+       "sync_correction: ORX source/package/compiler identity mismatch for sync_correction",
+       "ORX partial \u00B7 authz c3ea776c / sync unavailable / cinema 92624572"},
+      {"recorded wasm digest not approved",
+       [](auto& copy) {
+         copy.editEvidence([](Json& e) { moduleRecord(e, "sync_correction")["wasmSha256"] = std::string(64, '0'); });
+       },
+       "sync_correction: ORX evidence is not approved by this Ravo build",
+       "ORX partial \u00B7 authz c3ea776c / sync unavailable / cinema 92624572"},
+      {"duplicated module record",
+       [](auto& copy) { copy.editEvidence([](Json& e) { e["modules"].push_back(e["modules"][0]); }); },
+       "ORX evidence contains duplicate module records", kNoModules},
+      {"changed top-level compiler identity",
+       [](auto& copy) { copy.editEvidence([](Json& e) { e["compilerIdentity"] = "unreviewed compiler"; }); },
+       "ORX build provenance is not approved by this Ravo build", kNoModules},
+      {"other generator",
+       [](auto& copy) { copy.editEvidence([](Json& e) { e["generatedBy"] = "make"; }); },
+       "ORX build provenance is not approved by this Ravo build", kNoModules},
+      {"non-string value",
+       [](auto& copy) { copy.editEvidence([](Json& e) { e["profile"] = 11; }); },
+       "evidence.profile: expected a string, found an integer", kNoModules},
+      {"missing key in a module record",
+       [](auto& copy) { copy.editEvidence([](Json& e) { e["modules"][2].erase("wasmSha256"); }); },
+       "evidence.modules[2].wasmSha256: missing key", kNoModules},
+      {"unreadable evidence", [](auto& copy) { std::ofstream(copy.path() / "evidence.json") << "{\"modules\": ["; },
+       "malformed JSON: …", kNoModules},
+      {"missing evidence", [](auto& copy) { fs::remove(copy.path() / "evidence.json"); },
+       "could not read …", kNoModules},
+      {"extra records for other modules are ignored",
+       [](auto& copy) {
+         copy.editEvidence([](Json& e) {
+           Json extra = e["modules"][0];
+           extra["module"] = "future_module";
+           e["modules"].push_back(extra);
+         });
+       },
+       "", "ORX active \u00B7 c3ea776c / 7155bd93 / 92624572"},
+  };
+  setOrxLogSink([](OrxLogLevel, std::string_view) {});
+  for (const auto& c : cases) {
+    ArtifactCopy copy;
+    c.tamper(copy);
+    OrxPolicyRuntime runtime(copy.path());
+    const std::string error = runtime.loadError().value_or("");
+    if (c.loadError.ends_with("…")) {
+      const auto prefix = c.loadError.substr(0, c.loadError.size() - std::string("…").size());
+      EXPECT_EQ(error.substr(0, prefix.size()), prefix) << c.name;
+    } else {
+      EXPECT_EQ(error, c.loadError) << c.name;
+    }
+    EXPECT_EQ(runtime.statusDescription(), c.status) << c.name;
+  }
+  setOrxLogSink({});
+}
+
+TEST(OrxArtifactProvenance, LogsOneLineForEachOutcome) {
+  std::vector<std::string> lines;
+  setOrxLogSink([&](OrxLogLevel level, std::string_view message) {
+    lines.push_back((level == OrxLogLevel::error ? "error: " : "") + std::string(message));
+  });
+  {
+    ArtifactCopy copy;
+    OrxPolicyRuntime loaded(copy.path());
+    copy.flipByte("player_authz.wasm");
+    OrxPolicyRuntime partial(copy.path());
+    copy.editEvidence([](Json& e) { e["profile"] = "other"; });
+    OrxPolicyRuntime refused(copy.path());
+  }
+  setOrxLogSink({});
+  EXPECT_EQ(lines, (std::vector<std::string>{
+                       "Loaded digest-bound ORX authorization, sync and cinema admission modules",
+                       "error: ORX module player_authz unavailable; fail-safe policy is active for it: ORX artifact "
+                       "digest mismatch for player_authz",
+                       "error: ORX runtime partially unavailable; fail-safe policy is active for: player_authz: ORX "
+                       "artifact digest mismatch for player_authz",
+                       "error: ORX runtime unavailable; fail-safe policy is active: ORX build provenance is not "
+                       "approved by this Ravo build",
+                   }));
+}
+
+TEST(OrxArtifactProvenance, SearchesTheWorkingDirectoryWhenNoDirectoryIsGiven) {
+  setOrxLogSink([](OrxLogLevel, std::string_view) {});
+  EXPECT_FALSE(OrxPolicyRuntime().loadError());  // tests run in the source tree, beside artifacts/
+  const auto original = fs::current_path();
+  const auto empty = fs::temp_directory_path() / ("orx-empty-" + std::to_string(::getpid()));
+  fs::create_directories(empty);
+  fs::current_path(empty);
+  OrxPolicyRuntime nowhere;
+  fs::current_path(original);
+  fs::remove_all(empty);
+  setOrxLogSink({});
+  EXPECT_EQ(nowhere.loadError(), "Bundled ORX artifacts were not found");
+  EXPECT_EQ(nowhere.statusDescription(), kNoModules);
+}
+
+}  // namespace
