@@ -27,11 +27,8 @@ ORXCanonicalObject::ORXCanonicalObject(Fields fields) : fields_(std::move(fields
     if (!ORXValidation::isValidUTF8(field.first)) throw notUTF8();
   }
   // Canonical input arrives sorted and unique; checking that costs no allocation.
-  bool strictlyAscending = true;
-  for (std::size_t i = 1; i < fields_.size() && strictlyAscending; ++i) {
-    strictlyAscending = keyBefore(fields_[i - 1], fields_[i]);
-  }
-  if (strictlyAscending) return;
+  const auto notAscending = [](const Field& a, const Field& b) { return !keyBefore(a, b); };
+  if (std::adjacent_find(fields_.begin(), fields_.end(), notAscending) == fields_.end()) return;
   std::unordered_set<std::string_view> seen;
   for (const auto& field : fields_) {
     if (!seen.insert(field.first).second) throw keyRepeated(field.first);
