@@ -66,17 +66,17 @@ ORXCanonicalValue ORXDecisionEvidenceRecord::canonicalValue() const {
 }
 
 void ORXDecisionEvidenceRecord::validateDiagnosticComponents(const ORXDecisionEvidenceComponents& components) const {
-  const auto& identity = components.packageIdentity;
-  const auto& intent = components.intent;
-  const bool bound = orxABILane_ == identity.orxABILane() && orxABILane_ == components.verifiedArtifact.orxABILane() &&
-                     canonicalTypedInputDigest_ == components.canonicalTypedInput.digest() &&
-                     grantSetDigest_ == components.grantSet.digest() && intentDigest_ == intent.digest() &&
-                     packageIdentityDigest_ == identity.digest() &&
-                     policyDigest_ == components.policyArtifact.digest() &&
-                     verifiedArtifactDigest_ == components.verifiedArtifact.digest() &&
+  const auto& identity = components.packageIdentity();
+  const auto& artifact = components.verifiedArtifact();
+  const auto& intent = components.intent();
+  const auto& policy = components.policyArtifact();
+  const bool bound = orxABILane_ == identity.orxABILane() && orxABILane_ == artifact.orxABILane() &&
+                     canonicalTypedInputDigest_ == components.canonicalTypedInput().digest() &&
+                     grantSetDigest_ == components.grantSet().digest() && intentDigest_ == intent.digest() &&
+                     packageIdentityDigest_ == identity.digest() && policyDigest_ == policy.digest() &&
+                     verifiedArtifactDigest_ == artifact.digest() &&
                      verifiedArtifactDigest_ == identity.verifiedArtifactDigest() &&
-                     policyIdentity_ == components.policyArtifact.policyIdentity() &&
-                     requestedBudgets_ == intent.budgets() && requestedScope_ == intent.requestedScope() &&
-                     generationFence_ == intent.generation();
+                     policyIdentity_ == policy.policyIdentity() && requestedBudgets_ == intent.budgets() &&
+                     requestedScope_ == intent.requestedScope() && generationFence_ == intent.generation();
   if (!bound) throw evidenceInvalid("DecisionEvidence component binding mismatch");
 }

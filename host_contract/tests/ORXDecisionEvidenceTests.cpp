@@ -84,13 +84,17 @@ TEST(ORXDecisionEvidenceRecord, ComponentBindingCatchesAnyChangedComponent) {
   EXPECT_NO_THROW(record.validateDiagnosticComponents(components()));
   const std::string mismatch = kEvidenceInvalid + "DecisionEvidence component binding mismatch";
   const ORXVerifiedArtifact otherArtifact("0.11", digest('c'), digest('e'));
-  ORXDecisionEvidenceComponents changed[] = {components(), components(), components(), components(), components(), components()};
-  changed[0].canonicalTypedInput = ORXCanonicalTypedInput({});
-  changed[1].grantSet = ORXGrantSet({});
-  changed[2].intent = ORXDecisionIntent({}, deadline(), "media.pause", fence(), digest('1'), {}, {}, scope());
-  changed[3].packageIdentity = ORXPackageIdentity("0.11", digest('a'), digest('b'), otherArtifact.digest());
-  changed[4].policyArtifact = ORXPolicyArtifact("ravo.player-authz", digest('8'), digest('9'), "1.2.1");
-  changed[5].verifiedArtifact = ORXVerifiedArtifact("0.12", digest('c'), digest('d'));
+  const ORXDecisionIntent otherIntent({}, deadline(), "media.pause", fence(), digest('1'), {}, {}, scope());
+  const ORXDecisionEvidenceComponents changed[] = {
+      {ORXCanonicalTypedInput({}), grantSet(), intent(), packageIdentity(), policy(), verifiedArtifact()},
+      {typedInput(), ORXGrantSet({}), intent(), packageIdentity(), policy(), verifiedArtifact()},
+      {typedInput(), grantSet(), otherIntent, packageIdentity(), policy(), verifiedArtifact()},
+      {typedInput(), grantSet(), intent(), ORXPackageIdentity("0.11", digest('a'), digest('b'), otherArtifact.digest()),
+       policy(), verifiedArtifact()},
+      {typedInput(), grantSet(), intent(), packageIdentity(),
+       ORXPolicyArtifact("ravo.player-authz", digest('8'), digest('9'), "1.2.1"), verifiedArtifact()},
+      {typedInput(), grantSet(), intent(), packageIdentity(), policy(), ORXVerifiedArtifact("0.12", digest('c'), digest('d'))},
+  };
   for (const auto& components : changed) {
     EXPECT_TRUE(orxThrows([&] { record.validateDiagnosticComponents(components); }, mismatch));
   }

@@ -57,7 +57,7 @@ inline ORXPackageIdentity packageIdentity() {
 }
 
 inline ORXDecisionEvidenceComponents components() {
-  return {typedInput(), grantSet(), intent(), packageIdentity(), policy(), verifiedArtifact()};
+  return ORXDecisionEvidenceComponents(typedInput(), grantSet(), intent(), packageIdentity(), policy(), verifiedArtifact());
 }
 
 // Evidence for `outcome` bound to components(), with the authority shape that outcome requires.
