@@ -1,0 +1,11 @@
+#include "adapters/pixmor/PixmorORXNodeDefaults.h"
+
+RavoJSON PixmorORXNodeDefaults::toJSON() const {
+  return RavoJSONObjectWriter().add("nodeKind", nodeKind_).add("values", values_).take();
+}
+
+PixmorORXNodeDefaults PixmorORXNodeDefaults::fromJSON(const RavoJSON& json) {
+  RavoJSONObjectReader reader(json, "PixmorORXNodeDefaults");
+  return PixmorORXNodeDefaults{reader.required<std::string>("nodeKind"),
+                               reader.required<std::map<std::string, double>>("values")};
+}

@@ -1,0 +1,10 @@
+#include "adapters/pixmor/PixmorORXVariantPlan.h"
+
+RavoJSON PixmorORXVariantPlan::toJSON() const {
+  return RavoJSONObjectWriter().add("name", name_).add("emphasis", emphasis_).take();
+}
+
+PixmorORXVariantPlan PixmorORXVariantPlan::fromJSON(const RavoJSON& json) {
+  RavoJSONObjectReader reader(json, "PixmorORXVariantPlan");
+  return PixmorORXVariantPlan{reader.required<std::string>("name"), reader.required<std::string>("emphasis")};
+}

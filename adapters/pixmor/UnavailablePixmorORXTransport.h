@@ -1,0 +1,10 @@
+#pragma once
+// The transport of builds without an Orx service: every request gets a local fallback.
+
+#include "adapters/pixmor/PixmorORXTransport.h"
+
+class UnavailablePixmorORXTransport final : public PixmorORXTransport {
+ public:
+  // Always throws PixmorORXHostError(unavailable).
+  std::string execute(const PixmorORXRequest& request, std::stop_token stop) override;
+};
