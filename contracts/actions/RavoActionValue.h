@@ -12,11 +12,11 @@
 
 class RavoActionValue {
  public:
-  static RavoActionValue string(std::string value) { return RavoActionValue(Payload(std::move(value))); }
-  static RavoActionValue boolean(bool value) { return RavoActionValue(Payload(value)); }
-  static RavoActionValue integer(std::int64_t value) { return RavoActionValue(Payload(value)); }
+  static RavoActionValue string(std::string value) { return {std::in_place_type<std::string>, std::move(value)}; }
+  static RavoActionValue boolean(bool value) { return {std::in_place_type<bool>, value}; }
+  static RavoActionValue integer(std::int64_t value) { return {std::in_place_type<std::int64_t>, value}; }
   // Any double is held; a non-finite one fails parameter validation and cannot be encoded.
-  static RavoActionValue number(double value) { return RavoActionValue(Payload(value)); }
+  static RavoActionValue number(double value) { return {std::in_place_type<double>, value}; }
 
   RavoActionValueKind kind() const { return static_cast<RavoActionValueKind>(payload_.index()); }
 
@@ -36,7 +36,8 @@ class RavoActionValue {
  private:
   // Alternatives in the order of RavoActionValueKind, so the index is the kind.
   using Payload = std::variant<std::string, bool, std::int64_t, double>;
-  explicit RavoActionValue(Payload payload) : payload_(std::move(payload)) {}
+  template <class T>
+  RavoActionValue(std::in_place_type_t<T> alternative, T value) : payload_(alternative, std::move(value)) {}
 
   Payload payload_;
 };

@@ -1,6 +1,7 @@
 #include "contracts/actions/RavoApplicationActionCatalog.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -8,8 +9,8 @@ using Fields = RavoApplicationActionDescriptor::Fields;
 
 // Every built-in action may start from these surfaces; remote, external and MCP callers go through
 // the assistant instead.
-const std::vector<RavoActionEntryPoint> kEntryPoints = {RavoActionEntryPoint::button, RavoActionEntryPoint::voice,
-                                                        RavoActionEntryPoint::kolto, RavoActionEntryPoint::appIntent};
+constexpr std::array kEntryPoints = {RavoActionEntryPoint::button, RavoActionEntryPoint::voice,
+                                     RavoActionEntryPoint::kolto, RavoActionEntryPoint::appIntent};
 
 Fields builtInFields() {
   return {.applicationID = RavoPlayerActionIDs::application(),
@@ -17,7 +18,7 @@ Fields builtInFields() {
           .egressPolicy = RavoScenarioDataEgressPolicy::none,
           .minimumGate = RavoActionGateRequirement::hostGrant,
           .adapterVersion = "1.0.0",
-          .entryPoints = kEntryPoints};
+          .entryPoints = {kEntryPoints.begin(), kEntryPoints.end()}};
 }
 
 struct Playback {
