@@ -1,7 +1,7 @@
 #pragma once
-// The strict parser of canonical JSON. It accepts exactly what the serializer can produce (plus
-// insignificant whitespace and redundant escapes) and refuses everything else with ORXError::parse.
-// Parsing a text and serializing the result tells whether the text was canonical.
+// The strict parser of canonical JSON. It accepts the value subset the serializer produces (written with
+// any whitespace, escapes and key order) and refuses everything else with ORXError::parse. Parsing a
+// text and serializing the result tells whether the text was canonical.
 
 #include <cstdint>
 #include <span>
