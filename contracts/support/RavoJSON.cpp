@@ -79,7 +79,8 @@ std::string RavoJSONObjectReader::context(std::string_view key) const {
 RavoJSON parseRavoJSON(std::string_view text) {
   try {
     return RavoJSON::parse(text);
-  } catch (const RavoJSON::parse_error& error) {
+  } catch (const RavoJSON::exception& error) {
+    // Syntax errors and numbers too large for a double ("1e400") alike.
     throw RavoJSONDecodingError(std::string("malformed JSON: ") + error.what());
   }
 }

@@ -197,6 +197,7 @@ TEST(RavoActionValue, EncodesTheKindAndItsPayloadAndRefusesNonFiniteNumbers) {
       {{{"kind", "text"}, {"text", "x"}}, "RavoActionValue.kind: unknown value \"text\""},
       {{{"kind", "string"}}, "RavoActionValue.string: missing key"},
   };
+  EXPECT_THROW(Value::fromJSON(parseRavoJSON(R"({"kind":"number","number":1e400})")), RavoJSONDecodingError);
   for (const auto& c : refusals) {
     try {
       Value::fromJSON(c.json);
