@@ -1,0 +1,23 @@
+#include "contracts/services/RavoModelProviderLifecycleError.h"
+
+#include <string>
+
+using State = RavoModelProviderState;
+
+RavoModelProviderLifecycleError RavoModelProviderLifecycleError::invalidTransition(State from, State to) {
+  return {Code::invalidTransition,
+          "model provider cannot move from " + std::string(ravoLabelText(from)) + " to " + std::string(ravoLabelText(to)),
+          from, to};
+}
+
+RavoModelProviderLifecycleError RavoModelProviderLifecycleError::missingAuthentication() {
+  return {Code::missingAuthentication, "model provider credentials are not confirmed"};
+}
+
+RavoModelProviderLifecycleError RavoModelProviderLifecycleError::localOnlyViolation() {
+  return {Code::localOnlyViolation, "model provider sends requests off the device"};
+}
+
+RavoModelProviderLifecycleError RavoModelProviderLifecycleError::unavailable() {
+  return {Code::unavailable, "model provider is unavailable"};
+}
