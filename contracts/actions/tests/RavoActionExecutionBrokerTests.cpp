@@ -48,7 +48,7 @@ std::unique_ptr<const RavoActionGateChecking> makeGate(GateMode mode) {
   return nullptr;
 }
 
-struct ConfirmationSpec {
+struct GivenConfirmation {
   const char* action;
   std::optional<std::string> target;
   std::int64_t generation = 3;
@@ -65,7 +65,7 @@ struct Scenario {
   bool installGrant = true;
   std::int64_t generation = 3;
   std::chrono::seconds executedAfter = 0s;  // the caller's time, after the grant was installed
-  std::optional<ConfirmationSpec> confirmation = std::nullopt;
+  std::optional<GivenConfirmation> confirmation = std::nullopt;
   GateMode gate = GateMode::host;
   HandlerMode handler = HandlerMode::completes;
   // Expected receipt.
@@ -96,9 +96,9 @@ TEST(RavoActionExecutionBroker, AnswersEveryProposalWithTheReceiptOfTheFirstFail
        .changeGrant = [](auto& g) { g.allowedCapabilities = {RavoScenarioCapability::mediaTransport()}; },
        .reason = "broker.grant_scope_mismatch", .consumesUse = false},
       {.name = "target not granted", .target = "t2", .reason = "broker.target_out_of_scope", .consumesUse = false},
-      {.name = "stale confirmation generation", .confirmation = ConfirmationSpec{"ravo.player.pause", "t1", 2},
+      {.name = "stale confirmation generation", .confirmation = GivenConfirmation{"ravo.player.pause", "t1", 2},
        .reason = "broker.stale_confirmation", .consumesUse = false},
-      {.name = "expired confirmation", .confirmation = ConfirmationSpec{"ravo.player.pause", "t1", 3, 0s},
+      {.name = "expired confirmation", .confirmation = GivenConfirmation{"ravo.player.pause", "t1", 3, 0s},
        .reason = "broker.stale_confirmation", .consumesUse = false},
       {.name = "gate denies", .gate = GateMode::deny, .reason = "orx.action_mapping_unavailable"},
       {.name = "gate throws", .gate = GateMode::throws, .reason = "gate.failed"},
@@ -111,13 +111,13 @@ TEST(RavoActionExecutionBroker, AnswersEveryProposalWithTheReceiptOfTheFirstFail
       {.name = "medium risk", .action = "ravo.test.medium", .target = std::nullopt,
        .reason = "safeguard.confirmation_required", .level = Level::hostGrant},
       {.name = "medium risk confirmed", .action = "ravo.test.medium", .target = std::nullopt,
-       .confirmation = ConfirmationSpec{"ravo.test.medium", std::nullopt}, .outcome = Outcome::completed,
+       .confirmation = GivenConfirmation{"ravo.test.medium", std::nullopt}, .outcome = Outcome::completed,
        .reason = "handler.done", .level = Level::hostGrant},
       {.name = "confirmation of another target", .action = "ravo.test.confirmed", .target = std::nullopt,
-       .confirmation = ConfirmationSpec{"ravo.test.confirmed", "t1"}, .reason = "safeguard.confirmation_required",
+       .confirmation = GivenConfirmation{"ravo.test.confirmed", "t1"}, .reason = "safeguard.confirmation_required",
        .level = Level::hostGrant},
       {.name = "high risk", .action = "ravo.test.high", .target = std::nullopt,
-       .confirmation = ConfirmationSpec{"ravo.test.high", std::nullopt},
+       .confirmation = GivenConfirmation{"ravo.test.high", std::nullopt},
        .reason = "safeguard.high_risk_requires_independent_controller", .level = Level::hostGrant},
       {.name = "no handler", .handler = HandlerMode::absent, .reason = "broker.handler_unavailable",
        .level = Level::hostGrant},
