@@ -1,0 +1,39 @@
+#pragma once
+// Carries one named value from a producing node's output to a consuming node's input. Its identity is
+// computed from the four fields, never stored.
+
+#include <functional>
+#include <string>
+
+#include "contracts/support/RavoJSON.h"
+#include "contracts/support/RavoUUID.h"
+
+class RavoScenarioEdge {
+ public:
+  RavoScenarioEdge(RavoUUID fromNodeID, std::string outputKey, RavoUUID toNodeID, std::string inputKey)
+      : fromNodeID_(fromNodeID), outputKey_(std::move(outputKey)), toNodeID_(toNodeID), inputKey_(std::move(inputKey)) {}
+
+  const RavoUUID& fromNodeID() const { return fromNodeID_; }
+  const std::string& outputKey() const { return outputKey_; }
+  const RavoUUID& toNodeID() const { return toNodeID_; }
+  const std::string& inputKey() const { return inputKey_; }
+
+  // "<FROM-UUID>:<outputKey>-><TO-UUID>:<inputKey>", the UUIDs in uppercase.
+  std::string id() const;
+
+  RavoJSON toJSON() const;
+  static RavoScenarioEdge fromJSON(const RavoJSON& json);
+
+  friend bool operator==(const RavoScenarioEdge&, const RavoScenarioEdge&) = default;
+
+ private:
+  RavoUUID fromNodeID_;
+  std::string outputKey_;
+  RavoUUID toNodeID_;
+  std::string inputKey_;
+};
+
+template <>
+struct std::hash<RavoScenarioEdge> {
+  size_t operator()(const RavoScenarioEdge& edge) const noexcept { return std::hash<std::string>{}(edge.id()); }
+};
