@@ -80,7 +80,7 @@ std::string PixmorORXHost::execute(const PixmorORXRequest& request) const {
   lock.unlock();
   if (!answered) call.request_stop();
   call.join();
-  if (!answered) throw PixmorORXHostError(PixmorORXHostError::Kind::timedOut);
+  if (!answered) throw PixmorORXHostError(PixmorORXHostError::Code::timedOut);
   if (pending.error) std::rethrow_exception(pending.error);
   return std::move(pending.bytes);
 }
@@ -95,12 +95,12 @@ PixmorORXResponse PixmorORXHost::propose(const PixmorORXRequest& request) const 
       report(telemetry_, request.ability(), Outcome::orx, start);
       return response;
     }
-    throw PixmorORXHostError(PixmorORXHostError::Kind::invalidResponse);
+    throw PixmorORXHostError(PixmorORXHostError::Code::invalidResponse);
   } catch (const PixmorORXHostError& error) {
-    if (error.kind() == PixmorORXHostError::Kind::timedOut) {
+    if (error.code() == PixmorORXHostError::Code::timedOut) {
       outcome = Outcome::timeout;
       reason = timedOutReason;
-    } else if (error.kind() == PixmorORXHostError::Kind::invalidResponse) {
+    } else if (error.code() == PixmorORXHostError::Code::invalidResponse) {
       outcome = Outcome::invalid;
       reason = rejectedReason;
     }

@@ -6,19 +6,19 @@
 
 class PixmorORXHostError : public std::exception {
  public:
-  enum class Kind {
+  enum class Code {
     unavailable,      // no service, or the transport failed
     timedOut,         // no answer within the host's timeout
     invalidResponse,  // an answer that does not fit the request
   };
 
-  explicit PixmorORXHostError(Kind kind) : kind_(kind) {}
+  explicit PixmorORXHostError(Code code) : code_(code) {}
 
-  Kind kind() const { return kind_; }
+  Code code() const { return code_; }
   const char* what() const noexcept override;
 
-  friend bool operator==(const PixmorORXHostError& a, const PixmorORXHostError& b) { return a.kind_ == b.kind_; }
+  friend bool operator==(const PixmorORXHostError& a, const PixmorORXHostError& b) { return a.code_ == b.code_; }
 
  private:
-  Kind kind_;
+  Code code_;
 };

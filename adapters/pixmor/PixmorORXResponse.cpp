@@ -58,13 +58,5 @@ PixmorORXResponse PixmorORXResponse::fromJSONText(std::string_view text) {
     throw RavoJSONDecodingError("PixmorORXResponse: answer of " + std::to_string(text.size()) +
                                 " bytes exceeds the limit of " + std::to_string(maximumJSONTextBytes));
   }
-  RavoJSON json;
-  try {
-    json = parseRavoJSON(text);
-  } catch (const RavoJSON::exception& error) {
-    // parseRavoJSON reports syntax errors itself, but a number beyond double range ("1e999") surfaces
-    // as nlohmann's out_of_range; to the host it is one more answer that does not decode.
-    throw RavoJSONDecodingError(std::string("PixmorORXResponse: malformed JSON: ") + error.what());
-  }
-  return RavoJSONCodec<PixmorORXResponse>::decode(json, "PixmorORXResponse");
+  return RavoJSONCodec<PixmorORXResponse>::decode(parseRavoJSON(text), "PixmorORXResponse");
 }

@@ -3,5 +3,5 @@
 #include "adapters/pixmor/PixmorORXHostError.h"
 
 std::string UnavailablePixmorORXTransport::execute(const PixmorORXRequest&, std::stop_token) {
-  throw PixmorORXHostError(PixmorORXHostError::Kind::unavailable);
+  throw PixmorORXHostError(PixmorORXHostError::Code::unavailable);
 }

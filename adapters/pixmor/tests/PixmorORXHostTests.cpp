@@ -146,8 +146,8 @@ TEST(PixmorORXHost, TransportFailuresFallBackByKind) {
       {"no service", std::make_shared<UnavailablePixmorORXTransport>(), Outcome::fallback},
       {"transport error", throwing(std::runtime_error("connection reset")), Outcome::fallback},
       {"not an exception", throwing(42), Outcome::fallback},
-      {"transport timed out", throwing(PixmorORXHostError(PixmorORXHostError::Kind::timedOut)), Outcome::timeout},
-      {"transport rejected", throwing(PixmorORXHostError(PixmorORXHostError::Kind::invalidResponse)), Outcome::invalid},
+      {"transport timed out", throwing(PixmorORXHostError(PixmorORXHostError::Code::timedOut)), Outcome::timeout},
+      {"transport rejected", throwing(PixmorORXHostError(PixmorORXHostError::Code::invalidResponse)), Outcome::invalid},
   };
   for (const auto& [name, transport, expected] : cases) {
     expectOutcome(transport, makeRequest("sky", false, std::nullopt, {false, false, 0, 0}, PixmorORXAbility::guidedEditing),
