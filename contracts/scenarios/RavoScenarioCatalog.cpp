@@ -1,6 +1,8 @@
 #include "contracts/scenarios/RavoScenarioCatalog.h"
 
 #include <algorithm>
+#include <cstring>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -21,25 +23,62 @@ bool inRange(const RavoScenarioExecutionBounds& bounds) {
          bounds.rateLimitPerHour() >= 1 && bounds.maximumParallelism() >= 1 && bounds.maximumParallelism() <= 8;
 }
 
-// Kahn's method over the distinct node ids: a repeated id is one vertex (the repetition is already an
-// issue of its own), and edges touching ids that are not nodes are ignored.
-bool hasCycle(const std::vector<RavoScenarioNodeInstance>& nodes, const std::vector<RavoScenarioEdge>& edges) {
-  std::unordered_map<RavoUUID, size_t> index;
-  index.reserve(nodes.size());
-  for (const auto& node : nodes) index.try_emplace(node.id(), index.size());
+// Node ids hashed and compared as two 64-bit words: these look-ups are the inner loop of validation.
+struct NodeIDHash {
+  size_t operator()(const RavoUUID& id) const noexcept {
+    std::uint64_t high, low;
+    std::memcpy(&high, id.bytes().data(), 8);
+    std::memcpy(&low, id.bytes().data() + 8, 8);
+    return high ^ (low * 0x9E3779B97F4A7C15ull);
+  }
+};
+struct NodeIDEqual {
+  bool operator()(const RavoUUID& a, const RavoUUID& b) const noexcept {
+    return std::memcmp(a.bytes().data(), b.bytes().data(), 16) == 0;
+  }
+};
 
-  std::vector<std::vector<size_t>> successors(index.size());
-  std::vector<size_t> inDegree(index.size(), 0);
-  for (const auto& edge : edges) {
-    auto from = index.find(edge.fromNodeID());
-    auto to = index.find(edge.toNodeID());
-    if (from == index.end() || to == index.end()) continue;
-    successors[from->second].push_back(to->second);
-    ++inDegree[to->second];
+constexpr size_t kNoVertex = static_cast<size_t>(-1);
+
+// Numbers the distinct node ids 0, 1, ... in graph order; a repeated id is one vertex.
+class NodeVertices {
+ public:
+  explicit NodeVertices(const std::vector<RavoScenarioNodeInstance>& nodes) {
+    vertexByID_.reserve(nodes.size());
+    vertexOfNode_.reserve(nodes.size());
+    for (const auto& node : nodes) {
+      auto [entry, inserted] = vertexByID_.try_emplace(node.id(), vertexByID_.size());
+      if (!inserted && !firstRepeated_) firstRepeated_ = node.id();
+      vertexOfNode_.push_back(entry->second);
+    }
   }
 
+  size_t count() const { return vertexByID_.size(); }
+  size_t ofNode(size_t nodeIndex) const { return vertexOfNode_[nodeIndex]; }
+  size_t of(const RavoUUID& id) const {
+    auto found = vertexByID_.find(id);
+    return found == vertexByID_.end() ? kNoVertex : found->second;
+  }
+  const std::optional<RavoUUID>& firstRepeated() const { return firstRepeated_; }
+
+ private:
+  std::unordered_map<RavoUUID, size_t, NodeIDHash, NodeIDEqual> vertexByID_;
+  std::vector<size_t> vertexOfNode_;
+  std::optional<RavoUUID> firstRepeated_;
+};
+
+// Kahn's method. Edges with an endpoint that is no node carry kNoVertex and are ignored; parallel edges
+// count separately.
+bool hasCycle(size_t vertexCount, const std::vector<std::pair<size_t, size_t>>& edges) {
+  std::vector<std::vector<size_t>> successors(vertexCount);
+  std::vector<size_t> inDegree(vertexCount, 0);
+  for (const auto& [from, to] : edges) {
+    if (from == kNoVertex || to == kNoVertex) continue;
+    successors[from].push_back(to);
+    ++inDegree[to];
+  }
   std::vector<size_t> ready;
-  for (size_t vertex = 0; vertex < inDegree.size(); ++vertex) {
+  for (size_t vertex = 0; vertex < vertexCount; ++vertex) {
     if (inDegree[vertex] == 0) ready.push_back(vertex);
   }
   size_t visited = 0;
@@ -51,7 +90,7 @@ bool hasCycle(const std::vector<RavoScenarioNodeInstance>& nodes, const std::vec
       if (--inDegree[successor] == 0) ready.push_back(successor);
     }
   }
-  return visited != index.size();
+  return visited != vertexCount;
 }
 
 }  // namespace
@@ -69,23 +108,18 @@ std::vector<RavoScenarioValidationIssue> RavoScenarioCatalog::validate(
   definitionsByType.reserve(definitions.size());
   for (const auto& definition : definitions) definitionsByType.try_emplace(definition.id().rawValue(), &definition);
 
-  std::unordered_set<RavoUUID> seen;
-  seen.reserve(nodes.size());
-  for (const auto& node : nodes) {
-    if (!seen.insert(node.id()).second) {
-      issues.push_back(Issue::duplicateNodeID(node.id()));
-      break;
-    }
-  }
+  NodeVertices vertices(nodes);
+  if (vertices.firstRepeated()) issues.push_back(Issue::duplicateNodeID(*vertices.firstRepeated()));
 
   // A graph may declare any number of capabilities, so membership is a hash look-up.
   std::unordered_set<std::string_view> declared;
   for (const auto& capability : graph.requestedCapabilities()) declared.insert(capability.rawValue());
 
-  // Nodes that edges may join: known, enabled types at the definition's version.
-  std::unordered_map<RavoUUID, const RavoScenarioNodeDefinition*> validNodes;
-  validNodes.reserve(nodes.size());
-  for (const auto& node : nodes) {
+  // Per vertex, the definition of a node that edges may join (a known, enabled type at the definition's
+  // version); for a repeated id the last such node counts.
+  std::vector<const RavoScenarioNodeDefinition*> validDefinition(vertices.count(), nullptr);
+  for (size_t nodeIndex = 0; nodeIndex < nodes.size(); ++nodeIndex) {
+    const RavoScenarioNodeInstance& node = nodes[nodeIndex];
     const auto& type = node.nodeType();
     auto found = definitionsByType.find(type.rawValue());
     if (found == definitionsByType.end() || !found->second->isEnabled()) {
@@ -97,7 +131,7 @@ std::vector<RavoScenarioValidationIssue> RavoScenarioCatalog::validate(
       issues.push_back(Issue::ofNodeType(Kind::nodeVersionMismatch, type));
       continue;
     }
-    validNodes.insert_or_assign(node.id(), &definition);
+    validDefinition[vertices.ofNode(nodeIndex)] = &definition;
 
     for (const auto& capability : definition.requestedCapabilities()) {
       if (!declared.contains(capability.rawValue())) issues.push_back(Issue::missingCapability(capability));
@@ -118,22 +152,26 @@ std::vector<RavoScenarioValidationIssue> RavoScenarioCatalog::validate(
     }
   }
 
+  std::vector<std::pair<size_t, size_t>> endpoints;
+  endpoints.reserve(graph.edges().size());
   for (const auto& edge : graph.edges()) {
-    auto from = validNodes.find(edge.fromNodeID());
-    auto to = validNodes.find(edge.toNodeID());
-    if (from == validNodes.end() || to == validNodes.end()) {
+    auto [from, to] = endpoints.emplace_back(vertices.of(edge.fromNodeID()), vertices.of(edge.toNodeID()));
+    const auto* producer = from == kNoVertex ? nullptr : validDefinition[from];
+    const auto* consumer = to == kNoVertex ? nullptr : validDefinition[to];
+    if (!producer || !consumer) {
       issues.push_back(Issue::of(Kind::unknownEdgeEndpoint));
       continue;
     }
-    if (!contains(from->second->outputKeys(), edge.outputKey())) issues.push_back(Issue::of(Kind::missingOutputKey));
-    if (!contains(to->second->inputKeys(), edge.inputKey())) issues.push_back(Issue::of(Kind::missingInputKey));
+    if (!contains(producer->outputKeys(), edge.outputKey())) issues.push_back(Issue::of(Kind::missingOutputKey));
+    if (!contains(consumer->inputKeys(), edge.inputKey())) issues.push_back(Issue::of(Kind::missingInputKey));
   }
 
-  if (hasCycle(nodes, graph.edges())) issues.push_back(Issue::of(Kind::cycleDetected));
+  if (hasCycle(vertices.count(), endpoints)) issues.push_back(Issue::of(Kind::cycleDetected));
 
   if (draft.activationRequest() == RavoScenarioActivationRequest::notRequested &&
-      std::any_of(validNodes.begin(), validNodes.end(),
-                  [](const auto& entry) { return entry.second->id().rawValue() == "ravo.trigger.schedule"; })) {
+      std::any_of(validDefinition.begin(), validDefinition.end(), [](const auto* definition) {
+        return definition && definition->id().rawValue() == "ravo.trigger.schedule";
+      })) {
     issues.push_back(Issue::of(Kind::recurringScheduleNeedsActivation));
   }
   return issues;
