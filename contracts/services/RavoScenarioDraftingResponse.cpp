@@ -1,0 +1,15 @@
+#include "contracts/services/RavoScenarioDraftingResponse.h"
+
+#include "contracts/support/RavoGraphemePrefix.h"
+#include "contracts/support/RavoTextNormalization.h"
+
+RavoScenarioDraftingResponse::RavoScenarioDraftingResponse(RavoUUID id, RavoUUID requestID, RavoScenarioDraft draft,
+                                                           std::vector<std::string> unresolvedQuestions)
+    : id_(id), requestID_(requestID), draft_(std::move(draft)) {
+  for (const auto& question : unresolvedQuestions) {
+    if (unresolvedQuestions_.size() == maximumQuestionCount) break;
+    // Cut after trimming so that leading blanks do not use up the length.
+    std::string cleaned = ravoGraphemePrefix(ravoTrimmedText(question), maximumQuestionLength);
+    if (!cleaned.empty()) unresolvedQuestions_.push_back(std::move(cleaned));
+  }
+}
