@@ -11,7 +11,7 @@
 namespace {
 
 // Commands, roles, grant bits and control modes of the authorization module.
-enum Command : std::int32_t { none = 0, play = 1, pause = 2, volume = 4, queueMove = 5, mainScreen = 6 };
+enum class Command : std::int32_t { none = 0, play = 1, pause = 2, volume = 4, queueMove = 5, mainScreen = 6 };
 constexpr std::int32_t kUnpaired = 0;
 constexpr std::int32_t kController = 2;
 constexpr std::int32_t kPlaybackGrant = 1;
@@ -21,19 +21,21 @@ constexpr std::int32_t kMainScreenGrant = 32;
 constexpr std::int32_t kSharedControl = 1;
 constexpr std::int32_t kGateSourceClass = 2;
 
+// By the action codes of the built-in catalog (10-14 playback, 20-24 navigation) and of remote
+// requests (1 pause, 2 resume).
 Command command(RavoORXEffect effect, std::int64_t actionCode) {
   switch (effect) {
     case RavoORXEffect::transport:
-      if (actionCode == 1 || actionCode == 10) return pause;
-      if (actionCode == 2 || actionCode == 11) return play;
-      if (actionCode == 12 || actionCode == 13) return queueMove;
-      return none;
+      if (actionCode == 1 || actionCode == 10) return Command::pause;
+      if (actionCode == 2 || actionCode == 11) return Command::play;
+      if (actionCode == 12 || actionCode == 13) return Command::queueMove;
+      return Command::none;
     case RavoORXEffect::volume:
-      return actionCode == 14 ? volume : none;
+      return actionCode == 14 ? Command::volume : Command::none;
     case RavoORXEffect::navigate:
-      return actionCode >= 20 && actionCode <= 24 ? mainScreen : none;
+      return actionCode >= 20 && actionCode <= 24 ? Command::mainScreen : Command::none;
     default:
-      return none;
+      return Command::none;
   }
 }
 
@@ -90,12 +92,12 @@ std::optional<AuthorizationFacts> RavoORXPolicyVerifier::authorizationFacts(cons
   auto actionCode = integerArgument(intent, "action_code");
   if (!effect || !actionCode) return std::nullopt;
   Command commandCode = command(*effect, *actionCode);
-  if (commandCode == none) return std::nullopt;
+  if (commandCode == Command::none) return std::nullopt;
 
   auto sourceClass = integerArgument(intent, "source_class");
   auto remaining = std::chrono::duration_cast<std::chrono::milliseconds>(grant.expiresAt() - now);
   return AuthorizationFacts{.role = sourceClass == kGateSourceClass ? kController : kUnpaired,
-                            .command = commandCode,
+                            .command = static_cast<std::int32_t>(commandCode),
                             .grantFlags = grantFlags(grant),
                             .tokenAgeMilliseconds = 0,
                             .tokenTTLMilliseconds = clamped(remaining.count()),
