@@ -10,6 +10,18 @@ namespace {
 using State = RavoModelProviderState;
 using Error = RavoModelProviderLifecycleError;
 using Descriptor = RavoModelProviderDescriptor;
+using RegistryError = RavoModelProviderRegistryError;
+
+// The error of type E that `action` throws, or nothing when it succeeds.
+template <class E, class Action>
+std::optional<E> errorFrom(Action action) {
+  try {
+    action();
+  } catch (const E& error) {
+    return error;
+  }
+  return std::nullopt;
+}
 
 TEST(RavoModelProviderRecord, TransitionsFollowTheLifecycle) {
   struct Step {
@@ -53,12 +65,8 @@ TEST(RavoModelProviderRecord, TransitionsFollowTheLifecycle) {
   for (const auto& c : cases) {
     RavoModelProviderRecord record(c.descriptor, State::discovered, false);
     for (const auto& step : c.steps) {
-      try {
-        record = record.transition(step.to, step.confirmation);
-        EXPECT_FALSE(step.expected) << c.name << ": moved to " << ravoLabelText(step.to);
-      } catch (const Error& error) {
-        EXPECT_EQ(std::optional(error), step.expected) << c.name << ": " << error.what();
-      }
+      EXPECT_EQ(errorFrom<Error>([&] { record = record.transition(step.to, step.confirmation); }), step.expected)
+          << c.name << ": to " << ravoLabelText(step.to);
     }
     EXPECT_EQ(record, RavoModelProviderRecord(c.descriptor, c.finalState, c.finalConfirmation)) << c.name;
   }
@@ -88,13 +96,8 @@ TEST(RavoModelProviderRecord, EligibilityDependsOnStateTransportAndCredentials) 
   };
   for (const auto& c : cases) {
     const RavoModelProviderRecord record(c.descriptor, c.state, c.confirmed);
-    const auto name = record.toJSON().dump() + (c.localOnly ? " local only" : "");
-    try {
-      record.validateEligibility(c.localOnly);
-      EXPECT_FALSE(c.expected) << name;
-    } catch (const Error& error) {
-      EXPECT_EQ(std::optional(error), c.expected) << name << ": " << error.what();
-    }
+    EXPECT_EQ(errorFrom<Error>([&] { record.validateEligibility(c.localOnly); }), c.expected)
+        << record.toJSON().dump() << (c.localOnly ? " local only" : "");
   }
 }
 
@@ -112,25 +115,20 @@ TEST(RavoModelProviderRegistry, HoldsOneRecordPerProviderSortedByID) {
   const auto cloud = RavoModelProviderID::openAICompatibleCloud();
   const auto before = registry.record(cloud);
   EXPECT_EQ(registry.transition(cloud, State::configured, true).state(), State::configured);
-  EXPECT_THROW(registry.transition(cloud, State::eligible), Error);
+  EXPECT_EQ(errorFrom<Error>([&] { registry.transition(cloud, State::eligible); }),
+            Error::invalidTransition(State::configured, State::eligible));
   EXPECT_EQ(registry.record(cloud), RavoModelProviderRecord(Descriptor::openAICompatibleCloud(), State::configured, true));
   EXPECT_EQ(before.state(), State::discovered);  // records handed out are copies
 
   const RavoModelProviderID unknown("ravo.model.unknown");
-  for (const auto& attempt : std::vector<std::function<void()>>{
-           [&] { registry.record(unknown); }, [&] { registry.transition(unknown, State::configured); },
-           [&] { RavoModelProviderRegistry({Descriptor::ollamaLoopback(), Descriptor::openAICompatibleCloud(),
-                                            Descriptor::ollamaLoopback()}); }}) {
-    try {
-      attempt();
-      ADD_FAILURE() << "no error";
-    } catch (const RavoModelProviderRegistryError& error) {
-      EXPECT_EQ(error, error.code() == RavoModelProviderRegistryError::Code::unknownProvider
-                           ? RavoModelProviderRegistryError::unknownProvider(unknown)
-                           : RavoModelProviderRegistryError::duplicateDescriptor(RavoModelProviderID::ollamaLoopback()))
-          << error.what();
-    }
-  }
+  EXPECT_EQ(errorFrom<RegistryError>([&] { registry.record(unknown); }), RegistryError::unknownProvider(unknown));
+  EXPECT_EQ(errorFrom<RegistryError>([&] { registry.transition(unknown, State::configured); }),
+            RegistryError::unknownProvider(unknown));
+  EXPECT_EQ(errorFrom<RegistryError>([] {
+              RavoModelProviderRegistry({Descriptor::ollamaLoopback(), Descriptor::openAICompatibleCloud(),
+                                         Descriptor::ollamaLoopback()});
+            }),
+            RegistryError::duplicateDescriptor(RavoModelProviderID::ollamaLoopback()));
 }
 
 TEST(RavoModelProviderRecord, RoundTripsThroughJSON) {
