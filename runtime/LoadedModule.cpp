@@ -2,10 +2,11 @@
 
 #include <new>
 
+#include "core/ORXSHA256.h"
 #include "runtime/RuntimeError.h"
 
 std::unique_ptr<LoadedModule> LoadedModule::instantiate(std::string_view name, std::span<const std::uint8_t> bytes,
-                                                        std::string digest) {
+                                                        bool allowPrecompiled) {
   OrxInstantiationFailure failure{};
   std::unique_ptr<OrxModuleInstance> instance;
   try {
@@ -21,11 +22,17 @@ std::unique_ptr<LoadedModule> LoadedModule::instantiate(std::string_view name, s
     std::string detail = failure.detail.empty() ? "unknown exception" : failure.detail;
     throw RuntimeError("Could not instantiate ORX module " + std::string(name) + ": " + detail);
   }
-  return std::make_unique<LoadedModule>(std::move(instance), std::move(digest));
+  std::string digest = ORXSHA256::hex(bytes);
+  if (allowPrecompiled) {
+    if (auto precompiled = instantiatePrecompiledModule(digest)) {
+      return std::make_unique<LoadedModule>(std::move(precompiled), std::move(digest), OrxExecutionTier::precompiled);
+    }
+  }
+  return std::make_unique<LoadedModule>(std::move(instance), std::move(digest), OrxExecutionTier::interpreted);
 }
 
-LoadedModule::LoadedModule(std::unique_ptr<OrxModuleInstance> instance, std::string digest)
-    : instance_(std::move(instance)), digest_(std::move(digest)) {}
+LoadedModule::LoadedModule(std::unique_ptr<OrxModuleInstance> instance, std::string digest, OrxExecutionTier tier)
+    : instance_(std::move(instance)), digest_(std::move(digest)), tier_(tier) {}
 
 OrxInvocation LoadedModule::invoke(std::span<const std::int32_t> arguments) noexcept {
   try {

@@ -9,17 +9,24 @@
 
 #include "runtime/OrxModuleInstance.h"
 
+// How a loaded module runs: on wabt's interpreter, or as native code the build translated from exactly
+// these bytes.
+enum class OrxExecutionTier { interpreted, precompiled };
+
 class LoadedModule {
  public:
-  // Instantiates verified bytes. Throws RuntimeError: "Could not instantiate ORX module <name>: <engine
-  // text>" or "ORX module <name> has no decide export".
+  // Parses, validates and verifies the bytes, then binds precompiled code when the build compiled a
+  // module with their digest (unless `allowPrecompiled` is false) and the interpreter otherwise.
+  // Throws RuntimeError: "Could not instantiate ORX module <name>: <engine text>" or
+  // "ORX module <name> has no decide export".
   static std::unique_ptr<LoadedModule> instantiate(std::string_view name, std::span<const std::uint8_t> bytes,
-                                                   std::string digest);
+                                                   bool allowPrecompiled = true);
 
-  LoadedModule(std::unique_ptr<OrxModuleInstance> instance, std::string digest);
+  LoadedModule(std::unique_ptr<OrxModuleInstance> instance, std::string digest, OrxExecutionTier tier);
 
   // 64 lowercase hex digits: SHA-256 of the module's bytes.
   const std::string& digest() const { return digest_; }
+  OrxExecutionTier tier() const { return tier_; }
 
   // One `decide` call; never throws. Callers serialise calls (the runtime holds its lock).
   OrxInvocation invoke(std::span<const std::int32_t> arguments) noexcept;
@@ -27,4 +34,5 @@ class LoadedModule {
  private:
   std::unique_ptr<OrxModuleInstance> instance_;
   std::string digest_;
+  OrxExecutionTier tier_;
 };

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 struct OrxInvocation {
@@ -42,6 +43,10 @@ struct OrxInstantiationFailure {
 // module in wabt's interpreter. On failure returns null and fills `failure`.
 std::unique_ptr<OrxModuleInstance> instantiateInterpretedModule(const std::uint8_t* bytes, std::size_t size,
                                                                 OrxInstantiationFailure& failure);
+
+// The approved module with this digest compiled to native code at build time, or null when the build
+// compiled no module with that digest. Callers verify the bytes first, like any module's.
+std::unique_ptr<OrxModuleInstance> instantiatePrecompiledModule(std::string_view digest);
 
 // A module's imports and exports as signature texts, e.g. "func output.emit(i32, i32) -> (i32)" or
 // "memory memory"; nothing when the bytes are not a valid module. Used to check a package's contract.

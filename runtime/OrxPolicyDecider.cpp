@@ -65,6 +65,18 @@ std::string OrxPolicyDecider::statusDescription() const {
          part("cinema", cinema);
 }
 
+std::string OrxPolicyDecider::executionTiers() const {
+  std::lock_guard guard(lock_);
+  auto tier = [](const char* label, const std::unique_ptr<LoadedModule>& module) {
+    const char* how = !module ? "unavailable"
+                      : module->tier() == OrxExecutionTier::precompiled ? "precompiled"
+                                                                        : "interpreted";
+    return std::string(label) + " " + how;
+  };
+  return tier("authz", modules_.authorization) + " / " + tier("sync", modules_.sync) + " / " +
+         tier("cinema", modules_.cinemaAdmission);
+}
+
 template <class Decision>
 Decision OrxPolicyDecider::fail(Decision failSafe) {
   ++runtimeFailureCount_;

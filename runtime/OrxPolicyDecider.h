@@ -31,6 +31,8 @@ class OrxPolicyDecider {
   bool isSyncAvailable() const;
   bool isCinemaAdmissionAvailable() const;
   std::string statusDescription() const;
+  // How each module runs, for tools: "authz precompiled / sync interpreted / cinema unavailable".
+  std::string executionTiers() const;
   std::uint64_t failureCount() const;
 
   OrxAuthorizationDecision authorize(const AuthorizationFacts& facts);

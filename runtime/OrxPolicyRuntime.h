@@ -21,6 +21,7 @@ class OrxPolicyRuntime {
   bool isCinemaAdmissionAvailable() const { return decider_.isCinemaAdmissionAvailable(); }
   const std::optional<std::string>& loadError() const { return loadError_; }
   std::string statusDescription() const { return decider_.statusDescription(); }
+  std::string executionTiers() const { return decider_.executionTiers(); }
   std::uint64_t failureCount() const { return decider_.failureCount(); }
 
   OrxAuthorizationDecision authorize(const AuthorizationFacts& facts) { return decider_.authorize(facts); }

@@ -8,7 +8,8 @@ cd "$(dirname "$0")/.."
 wat2wasm=$(command -v wat2wasm)
 version=$("$wat2wasm" --version)
 
-cmake -S . -B build/tools -G Ninja -DCMAKE_BUILD_TYPE=Release -DORX_BUILD_TESTS=OFF -DORX_BUILD_BENCHMARKS=OFF >/dev/null
+cmake -S . -B build/tools -G Ninja -DCMAKE_BUILD_TYPE=Release -DORX_BUILD_TESTS=OFF -DORX_BUILD_BENCHMARKS=OFF \
+  -DORX_PRECOMPILED=OFF >/dev/null
 cmake --build build/tools --target orx_package_check >/dev/null
 
 mkdir -p artifacts

@@ -15,7 +15,7 @@ std::string module(const std::string& body) { return std::string("(module ") + k
 
 std::string loadError(const std::vector<std::uint8_t>& bytes) {
   try {
-    LoadedModule::instantiate("probe", bytes, "digest");
+    LoadedModule::instantiate("probe", bytes);
     return "";
   } catch (const RuntimeError& error) {
     return error.message;
@@ -113,7 +113,7 @@ TEST(OrxModuleHost, ReportsEmissionsAndTrapsPerCallAndRecoversAfterATrap) {
       (if (i32.eq (local.get $mode) (i32.const 5))
         (then (drop (call $emit (i32.const 9) (i32.const 8) (i32.const 7) (i32.const 6) (local.get $mode)))))
       (i32.const 0))
-    (memory 1 1))wat")), "digest");
+    (memory 1 1))wat")));
   struct Case {
     std::int32_t mode;
     std::string error;  // empty: no error expected
@@ -176,7 +176,7 @@ TEST(OrxModuleHost, ConvertsOtherSignaturesTheWayAScriptHostWould) {
        R"wat((module (func (export "decide") (param i32 i32) (result i32) (local.get 1))))wat", 0, {}, false},
   };
   for (const auto& c : cases) {
-    auto host = LoadedModule::instantiate("probe", assembleWat(c.wat), "digest");
+    auto host = LoadedModule::instantiate("probe", assembleWat(c.wat));
     const std::int32_t argument = 11;
     auto call = host->invoke(std::span(&argument, 1));
     EXPECT_EQ(call.result, c.result) << c.name;

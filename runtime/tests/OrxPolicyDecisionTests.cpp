@@ -164,7 +164,7 @@ TEST(OrxPolicyDecisions, CinemaRefusesADecideThatReturnsNothingEvenWithAGoodReco
     (func (export "decide") (param i32 i32 i32 i32 i32 i32 i32 i32 i32 i32 i32 i32 i32)
       (drop (call $emit (i32.const 5401) (i32.const -1) (i32.const 0) (i32.const 0) (i32.const 1))))))wat";
   OrxPolicyModules modules;
-  modules.cinemaAdmission = LoadedModule::instantiate("void", assembleWat(wat), std::string(64, 'b'));
+  modules.cinemaAdmission = LoadedModule::instantiate("void", assembleWat(wat));
   OrxPolicyDecider decider(std::move(modules));
   EXPECT_EQ(decider.decideCinemaAdmission({}), OrxCinemaAdmissionDecision::metalFXOnly());
   EXPECT_EQ(decider.failureCount(), 1u);
@@ -180,11 +180,15 @@ TEST(OrxPolicyDecisions, WithoutModulesEveryDecisionIsTheCountedFailSafe) {
 }
 
 TEST(OrxPolicyDecisions, StatusNamesEachModuleByItsDigest) {
-  OrxPolicyModules modules;
-  modules.sync = puppetModule(8);
-  EXPECT_EQ(OrxPolicyDecider(std::move(modules)).statusDescription(),
-            "ORX partial \u00B7 authz unavailable / sync aaaaaaaa / cinema unavailable");
-  EXPECT_EQ(OrxPolicyDecider(puppetModules()).statusDescription(), "ORX active \u00B7 aaaaaaaa / aaaaaaaa / aaaaaaaa");
+  OrxPolicyModules one;
+  one.sync = puppetModule(8);
+  const std::string sync = one.sync->digest().substr(0, 8);
+  EXPECT_EQ(OrxPolicyDecider(std::move(one)).statusDescription(),
+            "ORX partial \u00B7 authz unavailable / sync " + sync + " / cinema unavailable");
+  OrxPolicyModules all = puppetModules();
+  const std::string expected = "ORX active \u00B7 " + all.authorization->digest().substr(0, 8) + " / " +
+                               all.sync->digest().substr(0, 8) + " / " + all.cinemaAdmission->digest().substr(0, 8);
+  EXPECT_EQ(OrxPolicyDecider(std::move(all)).statusDescription(), expected);
 }
 
 }  // namespace

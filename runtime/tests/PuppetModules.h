@@ -29,7 +29,7 @@ inline std::unique_ptr<LoadedModule> puppetModule(int arity) {
     (if (i32.or (i32.eqz (local.get 0)) (i32.eq (local.get 0) (i32.const 3)))
       (then (drop (call $emit5 (local.get 2) (local.get 3) (local.get 4) (local.get 5) (local.get 6)))))
     (local.get 7))))wat";
-  return LoadedModule::instantiate("puppet", assembleWat(wat), std::string(64, 'a'));
+  return LoadedModule::instantiate("puppet", assembleWat(wat));
 }
 
 inline OrxPolicyModules puppetModules() { return {puppetModule(8), puppetModule(8), puppetModule(13)}; }

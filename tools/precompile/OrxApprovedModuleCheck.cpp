@@ -1,0 +1,44 @@
+// orx_approved_module_check MODULE FILE: the build translates a module to native code only when FILE is
+// exactly the approved artifact (its SHA-256 is the build constant for MODULE) and has the interface the
+// native binding expects. Anything else stops the build with a message saying how to fix it; the
+// build never silently falls back.
+
+#include <cstdio>
+#include <string>
+
+#include "core/ORXSHA256.h"
+#include "runtime/OrxArtifactFiles.h"
+#include "runtime/OrxBuildConstants.h"
+#include "runtime/OrxModuleInstance.h"
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    std::fprintf(stderr, "usage: %s MODULE FILE\n", argv[0]);
+    return 2;
+  }
+  const std::string module = argv[1];
+  try {
+    const auto bytes = readArtifactFile(argv[2]);
+    const auto& approved = OrxBuildConstants::expectedDigests();
+    const auto entry = approved.find(module);
+    const std::string digest = ORXSHA256::hex(bytes);
+    if (entry == approved.end() || entry->second != digest) {
+      std::fprintf(stderr,
+                   "%s has SHA-256 %s, but this build approves %s for %s. Rebuild the artifacts with "
+                   "tools/build_orx.sh and update runtime/OrxBuildConstants.cpp in the same commit.\n",
+                   argv[2], digest.c_str(), entry == approved.end() ? "nothing" : entry->second.c_str(),
+                   module.c_str());
+      return 1;
+    }
+    const auto interface = describeModuleInterface(bytes.data(), bytes.size());
+    const std::vector<std::string> emitOnly{"func output.emit(i32, i32, i32, i32, i32) -> (i32)"};
+    if (!interface || interface->imports != emitOnly) {
+      std::fprintf(stderr, "%s: the native binding supports exactly one import, %s\n", argv[2], emitOnly[0].c_str());
+      return 1;
+    }
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
+}
