@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "contracts/scenarios/RavoScenarioRevisionDiffer.h"
+#include "contracts/scenarios/tests/RavoScenarioTestUUID.h"
 
 namespace {
 
@@ -9,11 +10,7 @@ using Change = RavoScenarioNodeVersionChange;
 using Capability = RavoScenarioCapability;
 using Type = RavoScenarioNodeTypeID;
 
-RavoUUID numbered(int n) {
-  RavoUUID::Bytes bytes{};
-  bytes[15] = static_cast<std::uint8_t>(n);
-  return RavoUUID(bytes);
-}
+RavoUUID numbered(int n) { return ravoTestUUID(n); }
 
 struct Scenario {
   std::vector<RavoScenarioNodeInstance> nodes;

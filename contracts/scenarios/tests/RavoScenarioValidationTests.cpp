@@ -3,6 +3,7 @@
 #include "contracts/actions/RavoApplicationActionCatalog.h"
 #include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
 #include "contracts/scenarios/RavoScenarioCatalog.h"
+#include "contracts/scenarios/tests/RavoScenarioTestUUID.h"
 
 namespace {
 
@@ -12,13 +13,7 @@ using Activation = RavoScenarioActivationRequest;
 using Capability = RavoScenarioCapability;
 using Type = RavoScenarioNodeTypeID;
 
-// Node ids by a small number, so that graph order is the order of the numbers.
-RavoUUID nodeID(int n) {
-  RavoUUID::Bytes bytes{};
-  bytes[15] = static_cast<std::uint8_t>(n);
-  bytes[14] = static_cast<std::uint8_t>(n >> 8);
-  return RavoUUID(bytes);
-}
+RavoUUID nodeID(int n) { return ravoTestUUID(n); }
 
 RavoScenarioNodeInstance node(int n, const char* type, const char* version = "1.0.0",
                               std::optional<RavoActionArguments> arguments = std::nullopt) {

@@ -6,14 +6,11 @@
 #include "contracts/services/RavoScenarioDraftProposer.h"
 #include "contracts/services/RavoScenarioDraftingService.h"
 #include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
+#include "contracts/scenarios/tests/RavoScenarioTestUUID.h"
 
 namespace drafting_test {
 
-inline RavoUUID numbered(int n) {
-  RavoUUID::Bytes bytes{};
-  bytes[15] = static_cast<std::uint8_t>(n);
-  return RavoUUID(bytes);
-}
+inline RavoUUID numbered(int n) { return ravoTestUUID(n); }
 
 // A manual trigger feeding a playback action: valid against the built-in catalog. The model asks to
 // arm it on every occurrence and marks it active, which the service must undo.
