@@ -8,7 +8,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "67a83d3c426fa87d8d0e116c2437ed50cc441aa281ed3fa72140ff3aa33bda74";
+  static const std::string value = "ca5dcc698e332f388123f3aa013a525ac3f1d474f085b8d3966ad20907ec75d7";
   return value;
 }
 
