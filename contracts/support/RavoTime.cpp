@@ -89,6 +89,12 @@ std::optional<RavoTimePoint> parseRavoTime(std::string_view text) {
   year_month_day date{std::chrono::year{*year}, std::chrono::month{static_cast<unsigned>(*month)},
                       std::chrono::day{static_cast<unsigned>(*dayOfMonth)}};
   if (!date.ok() || *hour > 23 || *minute > 59 || *second > 59) return std::nullopt;
-  return sys_days{date} + hours{*hour} + minutes{*minute} + seconds{*second} + nanoseconds{nanos} -
-         offset;
+  // Nanoseconds in 64 bits reach only the years 1678 to 2262: a time outside is refused, not wrapped.
+  const sys_seconds wholeSeconds = sys_days{date} + hours{*hour} + minutes{*minute} + seconds{*second} - offset;
+  long long count = 0;
+  if (__builtin_mul_overflow(wholeSeconds.time_since_epoch().count(), 1'000'000'000LL, &count) ||
+      __builtin_add_overflow(count, nanos, &count)) {
+    return std::nullopt;
+  }
+  return RavoTimePoint{nanoseconds{count}};
 }

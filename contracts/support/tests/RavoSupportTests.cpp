@@ -32,7 +32,8 @@ TEST(RavoTime, ReadsOffsetsAndShortFractionsAndRefusesMalformedText) {
   EXPECT_EQ(parseRavoTime("2026-11-23T03:40:05Z"), expected - 500ms);
   for (const char* bad : {"", "2026-11-23", "2026-11-23T03:40:05", "2026-02-30T00:00:00Z",
                           "2026-11-23T24:00:00Z", "2026-11-23T03:40:05.Z", "2026-11-23T03:40:05Zx",
-                          "2026-11-23T03:40:05.1234567891Z", "2026-11-23T03:40:05+2:00"}) {
+                          "2026-11-23T03:40:05.1234567891Z", "2026-11-23T03:40:05+2:00",
+                          "1014-11-23T06:00:00Z", "2263-01-01T00:00:00Z", "9999-12-31T23:59:59.999999999Z"}) {
     EXPECT_FALSE(parseRavoTime(bad)) << bad;
   }
 }
