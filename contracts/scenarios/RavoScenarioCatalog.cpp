@@ -123,12 +123,12 @@ std::vector<RavoScenarioValidationIssue> RavoScenarioCatalog::validate(
     const auto& type = node.nodeType();
     auto found = definitionsByType.find(type.rawValue());
     if (found == definitionsByType.end() || !found->second->isEnabled()) {
-      issues.push_back(Issue::ofNodeType(Kind::unknownOrDisabledNode, type));
+      issues.push_back(Issue::unknownOrDisabledNode(type));
       continue;
     }
     const RavoScenarioNodeDefinition& definition = *found->second;
     if (node.nodeVersion() != definition.version()) {
-      issues.push_back(Issue::ofNodeType(Kind::nodeVersionMismatch, type));
+      issues.push_back(Issue::nodeVersionMismatch(type));
       continue;
     }
     validDefinition[vertices.ofNode(nodeIndex)] = &definition;
@@ -136,18 +136,18 @@ std::vector<RavoScenarioValidationIssue> RavoScenarioCatalog::validate(
     for (const auto& capability : definition.requestedCapabilities()) {
       if (!declared.contains(capability.rawValue())) issues.push_back(Issue::missingCapability(capability));
     }
-    if (!inRange(definition.bounds())) issues.push_back(Issue::ofNodeType(Kind::invalidBounds, type));
+    if (!inRange(definition.bounds())) issues.push_back(Issue::invalidBounds(type));
     if (definition.reversibility() == RavoScenarioReversibility::irreversible &&
         definition.confirmation() == RavoScenarioConfirmationPolicy::none) {
-      issues.push_back(Issue::ofNodeType(Kind::irreversibleWithoutConfirmation, type));
+      issues.push_back(Issue::irreversibleWithoutConfirmation(type));
     }
     // Application action nodes must say how they invoke their action; native node types need no binding
     // and any binding on them is ignored.
     if (const auto* action = RavoApplicationActionCatalog::descriptor(type)) {
       if (!node.actionBinding()) {
-        issues.push_back(Issue::ofNodeType(Kind::missingActionBinding, type));
+        issues.push_back(Issue::missingActionBinding(type));
       } else if (!action->validate(node.actionBinding()->arguments()).empty()) {
-        issues.push_back(Issue::ofNodeType(Kind::invalidActionArguments, type));
+        issues.push_back(Issue::invalidActionArguments(type));
       }
     }
   }
@@ -159,20 +159,20 @@ std::vector<RavoScenarioValidationIssue> RavoScenarioCatalog::validate(
     const auto* producer = from == kNoVertex ? nullptr : validDefinition[from];
     const auto* consumer = to == kNoVertex ? nullptr : validDefinition[to];
     if (!producer || !consumer) {
-      issues.push_back(Issue::of(Kind::unknownEdgeEndpoint));
+      issues.push_back(Issue::unknownEdgeEndpoint());
       continue;
     }
-    if (!contains(producer->outputKeys(), edge.outputKey())) issues.push_back(Issue::of(Kind::missingOutputKey));
-    if (!contains(consumer->inputKeys(), edge.inputKey())) issues.push_back(Issue::of(Kind::missingInputKey));
+    if (!contains(producer->outputKeys(), edge.outputKey())) issues.push_back(Issue::missingOutputKey());
+    if (!contains(consumer->inputKeys(), edge.inputKey())) issues.push_back(Issue::missingInputKey());
   }
 
-  if (hasCycle(vertices.count(), endpoints)) issues.push_back(Issue::of(Kind::cycleDetected));
+  if (hasCycle(vertices.count(), endpoints)) issues.push_back(Issue::cycleDetected());
 
   if (draft.activationRequest() == RavoScenarioActivationRequest::notRequested &&
       std::any_of(validDefinition.begin(), validDefinition.end(), [](const auto* definition) {
         return definition && definition->id().rawValue() == "ravo.trigger.schedule";
       })) {
-    issues.push_back(Issue::of(Kind::recurringScheduleNeedsActivation));
+    issues.push_back(Issue::recurringScheduleNeedsActivation());
   }
   return issues;
 }

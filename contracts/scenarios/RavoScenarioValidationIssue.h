@@ -42,12 +42,31 @@ class RavoScenarioValidationIssue {
   static RavoScenarioValidationIssue missingCapability(const RavoScenarioCapability& capability) {
     return {Kind::missingCapability, capability};
   }
-  // For the cases whose payload is the node type: unknownOrDisabledNode to invalidActionArguments.
-  static RavoScenarioValidationIssue ofNodeType(Kind kind, const RavoScenarioNodeTypeID& nodeType) {
-    return {kind, nodeType};
+  static RavoScenarioValidationIssue unknownOrDisabledNode(const RavoScenarioNodeTypeID& type) {
+    return {Kind::unknownOrDisabledNode, type};
   }
-  // For the cases without payload: unknownEdgeEndpoint to recurringScheduleNeedsActivation.
-  static RavoScenarioValidationIssue of(Kind kind) { return {kind, std::monostate{}}; }
+  static RavoScenarioValidationIssue nodeVersionMismatch(const RavoScenarioNodeTypeID& type) {
+    return {Kind::nodeVersionMismatch, type};
+  }
+  static RavoScenarioValidationIssue invalidBounds(const RavoScenarioNodeTypeID& type) {
+    return {Kind::invalidBounds, type};
+  }
+  static RavoScenarioValidationIssue irreversibleWithoutConfirmation(const RavoScenarioNodeTypeID& type) {
+    return {Kind::irreversibleWithoutConfirmation, type};
+  }
+  static RavoScenarioValidationIssue missingActionBinding(const RavoScenarioNodeTypeID& type) {
+    return {Kind::missingActionBinding, type};
+  }
+  static RavoScenarioValidationIssue invalidActionArguments(const RavoScenarioNodeTypeID& type) {
+    return {Kind::invalidActionArguments, type};
+  }
+  static RavoScenarioValidationIssue unknownEdgeEndpoint() { return {Kind::unknownEdgeEndpoint, std::monostate{}}; }
+  static RavoScenarioValidationIssue missingOutputKey() { return {Kind::missingOutputKey, std::monostate{}}; }
+  static RavoScenarioValidationIssue missingInputKey() { return {Kind::missingInputKey, std::monostate{}}; }
+  static RavoScenarioValidationIssue cycleDetected() { return {Kind::cycleDetected, std::monostate{}}; }
+  static RavoScenarioValidationIssue recurringScheduleNeedsActivation() {
+    return {Kind::recurringScheduleNeedsActivation, std::monostate{}};
+  }
 
   Kind kind() const { return kind_; }
   // The payload of this case, or null.

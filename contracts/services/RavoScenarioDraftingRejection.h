@@ -27,8 +27,12 @@ class RavoScenarioDraftingRejection {
   static RavoScenarioDraftingRejection invalidDraft(std::vector<RavoScenarioValidationIssue> issues) {
     return {Kind::invalidDraft, std::move(issues)};
   }
-  // For the cases without payload: emptyRequest to providerFailed.
-  static RavoScenarioDraftingRejection of(Kind kind) { return {kind, std::monostate{}}; }
+  static RavoScenarioDraftingRejection emptyRequest() { return {Kind::emptyRequest, std::monostate{}}; }
+  static RavoScenarioDraftingRejection requestTooLarge() { return {Kind::requestTooLarge, std::monostate{}}; }
+  static RavoScenarioDraftingRejection providerResponseDoesNotMatchRequest() { return {Kind::providerResponseDoesNotMatchRequest, std::monostate{}}; }
+  static RavoScenarioDraftingRejection staleResponse() { return {Kind::staleResponse, std::monostate{}}; }
+  static RavoScenarioDraftingRejection duplicateResponse() { return {Kind::duplicateResponse, std::monostate{}}; }
+  static RavoScenarioDraftingRejection providerFailed() { return {Kind::providerFailed, std::monostate{}}; }
 
   Kind kind() const { return kind_; }
   // The payload of this case, or null.

@@ -8,8 +8,8 @@ namespace {
 
 using Rejection = RavoScenarioDraftingRejection;
 
-RavoScenarioDraftingOutcome rejected(Rejection::Kind kind) {
-  return RavoScenarioDraftingOutcome::rejected(Rejection::of(kind));
+RavoScenarioDraftingOutcome rejected(Rejection rejection) {
+  return RavoScenarioDraftingOutcome::rejected(std::move(rejection));
 }
 
 // Every enabled definition in catalog order; application actions carry their parameters.
@@ -38,12 +38,12 @@ RavoScenarioDraftingOutcome RavoScenarioDraftingService::draft(std::string_view 
                                                                const RavoModelProviderRecord& provider,
                                                                RavoScenarioDraftProposer& proposer) {
   std::string text = ravoTrimmedText(userText);
-  if (text.empty()) return rejected(Rejection::Kind::emptyRequest);
-  if (text.size() > maximumRequestBytes) return rejected(Rejection::Kind::requestTooLarge);
+  if (text.empty()) return rejected(Rejection::emptyRequest());
+  if (text.size() > maximumRequestBytes) return rejected(Rejection::requestTooLarge());
   try {
     provider.validateEligibility(localOnly);
   } catch (const RavoModelProviderLifecycleError& error) {
-    return RavoScenarioDraftingOutcome::rejected(Rejection::providerIneligible(error));
+    return rejected(Rejection::providerIneligible(error));
   }
 
   std::int64_t generation;
@@ -57,23 +57,23 @@ RavoScenarioDraftingOutcome RavoScenarioDraftingService::draft(std::string_view 
   try {
     response.emplace(proposer.proposeDraft(request));
   } catch (...) {  // whatever the adapter or the model did, the caller only learns that it failed
-    return rejected(Rejection::Kind::providerFailed);
+    return rejected(Rejection::providerFailed());
   }
 
-  if (response->requestID() != request.id()) return rejected(Rejection::Kind::providerResponseDoesNotMatchRequest);
+  if (response->requestID() != request.id()) return rejected(Rejection::providerResponseDoesNotMatchRequest());
   {
     std::lock_guard lock(mutex_);
-    if (latestGeneration_ != generation) return rejected(Rejection::Kind::staleResponse);
+    if (latestGeneration_ != generation) return rejected(Rejection::staleResponse());
     // Recorded before validation, so that an answer sent again is refused as a duplicate even when its
     // draft did not validate.
-    if (!acceptedResponseIDs_.insert(response->id()).second) return rejected(Rejection::Kind::duplicateResponse);
+    if (!acceptedResponseIDs_.insert(response->id()).second) return rejected(Rejection::duplicateResponse());
   }
 
   const RavoScenarioDraft& proposed = response->draft();
   RavoScenarioDraft normalised(proposed.id(), proposed.title(), proposed.graph(),
                                RavoScenarioActivationRequest::notRequested, RavoScenarioLifecycle::draft);
   auto issues = RavoScenarioCatalog::validate(normalised, definitions_);
-  if (!issues.empty()) return RavoScenarioDraftingOutcome::rejected(Rejection::invalidDraft(std::move(issues)));
+  if (!issues.empty()) return rejected(Rejection::invalidDraft(std::move(issues)));
   return RavoScenarioDraftingOutcome::draft(
       {provider.descriptor().id(), std::move(normalised), response->unresolvedQuestions()});
 }

@@ -8,7 +8,6 @@
 namespace {
 
 using Issue = RavoScenarioValidationIssue;
-using Kind = RavoScenarioValidationIssue::Kind;
 using Activation = RavoScenarioActivationRequest;
 using Capability = RavoScenarioCapability;
 using Type = RavoScenarioNodeTypeID;
@@ -41,8 +40,6 @@ std::string describe(const std::vector<Issue>& issues) {
   for (const auto& issue : issues) text += issue.description() + " ";
   return text;
 }
-
-Issue ofType(Kind kind, const char* type) { return Issue::ofNodeType(kind, Type(type)); }
 
 const std::vector<Capability> kPlaybackCapabilities = {Capability::audioVolume(), Capability::mediaTransport()};
 
@@ -88,59 +85,59 @@ TEST(RavoScenarioCatalog, ValidationCases) {
        {Issue::missingCapability(Capability::mediaTransport())}},
       {"disabled node type and an edge touching it",
        validate({node(1, "ravo.trigger.manual"), node(2, "ravo.action.mcp-call")}, {edge(1, 2)}, {}),
-       {ofType(Kind::unknownOrDisabledNode, "ravo.action.mcp-call"), Issue::of(Kind::unknownEdgeEndpoint)}},
+       {Issue::unknownOrDisabledNode(Type("ravo.action.mcp-call")), Issue::unknownEdgeEndpoint()}},
       {"unknown node type", validate({node(1, "ravo.trigger.telepathy")}, {}, {}),
-       {ofType(Kind::unknownOrDisabledNode, "ravo.trigger.telepathy")}},
+       {Issue::unknownOrDisabledNode(Type("ravo.trigger.telepathy"))}},
       {"version mismatch skips the node's other checks",
        validate({node(1, "ravo.trigger.manual"), node(2, "ravo.action.playback", "1.0"),
                  node(3, "ravo.player.volume.set", "2.0.0")},
                 {edge(1, 2)}, {}),
-       {ofType(Kind::nodeVersionMismatch, "ravo.action.playback"),
-        ofType(Kind::nodeVersionMismatch, "ravo.player.volume.set"), Issue::of(Kind::unknownEdgeEndpoint)}},
+       {Issue::nodeVersionMismatch(Type("ravo.action.playback")),
+        Issue::nodeVersionMismatch(Type("ravo.player.volume.set")), Issue::unknownEdgeEndpoint()}},
       {"edge from and to a node that does not exist",
        validate({node(1, "ravo.trigger.manual")}, {edge(1, 9), edge(9, 1)}, {}),
-       {Issue::of(Kind::unknownEdgeEndpoint), Issue::of(Kind::unknownEdgeEndpoint)}},
+       {Issue::unknownEdgeEndpoint(), Issue::unknownEdgeEndpoint()}},
       {"wrong output and input keys",
        validate({node(1, "ravo.trigger.manual"), node(2, "ravo.condition.time-window")}, {edge(1, 2, "result", "input")},
                 {}),
-       {Issue::of(Kind::missingOutputKey), Issue::of(Kind::missingInputKey)}},
+       {Issue::missingOutputKey(), Issue::missingInputKey()}},
       {"action nodes have no outputs",
        validate({node(1, "ravo.action.home"), node(2, "ravo.condition.time-window")}, {edge(1, 2)},
                 {Capability::homeControl()}),
-       {Issue::of(Kind::missingOutputKey)}},
+       {Issue::missingOutputKey()}},
       {"two conditions in a loop",
        validate({node(1, "ravo.condition.time-window"), node(2, "ravo.condition.time-window")},
                 {edge(1, 2), edge(2, 1)}, {}),
-       {Issue::of(Kind::cycleDetected)}},
+       {Issue::cycleDetected()}},
       {"a condition feeding itself", validate({node(1, "ravo.condition.time-window")}, {edge(1, 1)}, {}),
-       {Issue::of(Kind::cycleDetected)}},
+       {Issue::cycleDetected()}},
       {"parallel edges are no cycle",
        validate({node(1, "ravo.trigger.manual"), node(2, "ravo.control.wait"), node(3, "ravo.control.confirm")},
                 {edge(1, 2), edge(1, 2), edge(2, 3), edge(1, 3)}, {}),
        {}},
       {"schedule without activation", validate({node(1, "ravo.trigger.schedule")}, {}, {}),
-       {Issue::of(Kind::recurringScheduleNeedsActivation)}},
+       {Issue::recurringScheduleNeedsActivation()}},
       {"schedule armed once", validate({node(1, "ravo.trigger.schedule")}, {}, {}, Activation::oneShot), {}},
       {"schedule of the wrong version needs nothing", validate({node(1, "ravo.trigger.schedule", "0.9")}, {}, {}),
-       {ofType(Kind::nodeVersionMismatch, "ravo.trigger.schedule")}},
+       {Issue::nodeVersionMismatch(Type("ravo.trigger.schedule"))}},
       {"bounds out of range, for every node of the type",
        validate({node(1, "test.retry.negative"), node(2, "test.retry.four"), node(3, "test.parallel.zero"),
                  node(4, "test.parallel.nine"), node(5, "test.retry.four"), node(6, "test.edge.bounds")},
                 {}, {}, Activation::notRequested, custom),
-       {ofType(Kind::invalidBounds, "test.retry.negative"), ofType(Kind::invalidBounds, "test.retry.four"),
-        ofType(Kind::invalidBounds, "test.parallel.zero"), ofType(Kind::invalidBounds, "test.parallel.nine"),
-        ofType(Kind::invalidBounds, "test.retry.four")}},
+       {Issue::invalidBounds(Type("test.retry.negative")), Issue::invalidBounds(Type("test.retry.four")),
+        Issue::invalidBounds(Type("test.parallel.zero")), Issue::invalidBounds(Type("test.parallel.nine")),
+        Issue::invalidBounds(Type("test.retry.four"))}},
       {"irreversible without confirmation",
        validate({node(1, "test.irreversible")}, {}, {}, Activation::notRequested, custom),
-       {ofType(Kind::irreversibleWithoutConfirmation, "test.irreversible")}},
+       {Issue::irreversibleWithoutConfirmation(Type("test.irreversible"))}},
       {"a repeated definition: the first counts",
        validate({node(1, "test.repeated")}, {}, {}, Activation::notRequested, custom), {}},
       {"action node without binding",
        validate({node(1, "ravo.player.volume.set")}, {}, {Capability::audioVolume()}),
-       {ofType(Kind::missingActionBinding, "ravo.player.volume.set")}},
+       {Issue::missingActionBinding(Type("ravo.player.volume.set"))}},
       {"action node with arguments out of range",
        validate({node(1, "ravo.player.volume.set", "1.0.0", tooLoud)}, {}, {Capability::audioVolume()}),
-       {ofType(Kind::invalidActionArguments, "ravo.player.volume.set")}},
+       {Issue::invalidActionArguments(Type("ravo.player.volume.set"))}},
       {"action node with good arguments",
        validate({node(1, "ravo.player.volume.set", "1.0.0", quiet)}, {}, {Capability::audioVolume()}), {}},
       {"a binding on a native node is not inspected",
@@ -155,9 +152,9 @@ TEST(RavoScenarioCatalog, ValidationCases) {
                  node(3, "ravo.nothing"), node(4, "ravo.condition.time-window"), node(5, "ravo.control.wait")},
                 {edge(1, 2, "out"), edge(3, 4), edge(4, 5), edge(5, 4)}, {Capability::mediaTransport()}),
        {Issue::duplicateNodeID(nodeID(1)), Issue::missingCapability(Capability::audioVolume()),
-        ofType(Kind::unknownOrDisabledNode, "ravo.nothing"), Issue::of(Kind::missingOutputKey),
-        Issue::of(Kind::unknownEdgeEndpoint), Issue::of(Kind::cycleDetected),
-        Issue::of(Kind::recurringScheduleNeedsActivation)}},
+        Issue::unknownOrDisabledNode(Type("ravo.nothing")), Issue::missingOutputKey(),
+        Issue::unknownEdgeEndpoint(), Issue::cycleDetected(),
+        Issue::recurringScheduleNeedsActivation()}},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(c.actual, c.expected) << c.name << ": " << describe(c.actual);
@@ -172,7 +169,7 @@ TEST(RavoScenarioCatalog, NodeCountLimit) {
   };
   EXPECT_EQ(validate(triggers(257), {edge(1, 1)}, {}), std::vector{Issue::graphTooLarge(257, 256)});
   EXPECT_EQ(validate(triggers(256), {}, {}),
-            std::vector{ofType(Kind::unknownOrDisabledNode, "ravo.action.mcp-call")});
+            std::vector{Issue::unknownOrDisabledNode(Type("ravo.action.mcp-call"))});
 }
 
 TEST(RavoScenarioCatalog, BuiltInDefinitionsFollowTheActionCatalog) {

@@ -36,10 +36,10 @@ TEST(RavoScenarioDraftingService, RefusalsAndGenerations) {
     std::int64_t generationAfter;
   };
   const Case cases[] = {
-      {"blank text", " \n\t \r\n ", false, onDevice, answers, Rejection::of(Kind::emptyRequest), 0},
-      {"4001 bytes", repeated("a", 4001), false, onDevice, answers, Rejection::of(Kind::requestTooLarge), 0},
+      {"blank text", " \n\t \r\n ", false, onDevice, answers, Rejection::emptyRequest(), 0},
+      {"4001 bytes", repeated("a", 4001), false, onDevice, answers, Rejection::requestTooLarge(), 0},
       {"4500 bytes in 1500 characters", repeated("\u20AC", 1500), false, onDevice, answers,
-       Rejection::of(Kind::requestTooLarge), 0},
+       Rejection::requestTooLarge(), 0},
       {"cloud while local only", "dim the lights", true, cloud, answers,
        Rejection::providerIneligible(RavoModelProviderLifecycleError::localOnlyViolation()), 0},
       {"provider not yet eligible", "dim the lights", false,
@@ -48,12 +48,11 @@ TEST(RavoScenarioDraftingService, RefusalsAndGenerations) {
        0},
       {"4000 bytes after trimming", "  " + repeated("a", 4000) + "\n", false, onDevice, answers, std::nullopt, 1},
       {"cloud when leaving the device is fine", "dim the lights", false, cloud, answers, std::nullopt, 2},
-      {"proposer fails", "dim the lights", false, onDevice, throws, Rejection::of(Kind::providerFailed), 3},
+      {"proposer fails", "dim the lights", false, onDevice, throws, Rejection::providerFailed(), 3},
       {"answer to another request", "dim the lights", false, onDevice, answersAnother,
-       Rejection::of(Kind::providerResponseDoesNotMatchRequest), 4},
+       Rejection::providerResponseDoesNotMatchRequest(), 4},
       {"schedule cannot be armed by the model", "every night at ten", false, onDevice, schedules,
-       Rejection::invalidDraft({RavoScenarioValidationIssue::of(
-           RavoScenarioValidationIssue::Kind::recurringScheduleNeedsActivation)}),
+       Rejection::invalidDraft({RavoScenarioValidationIssue::recurringScheduleNeedsActivation()}),
        5},
   };
   auto service = builtInService();
@@ -120,7 +119,7 @@ TEST(RavoScenarioDraftingService, AnAnswerIsAcceptedOnce) {
   // Refused for its draft, but recorded: sending it again, even corrected, is a duplicate.
   EXPECT_EQ(service.draft("lights", false, provider, resends).rejection()->kind(), Kind::invalidDraft);
   sendInvalid = false;
-  EXPECT_EQ(*service.draft("lights", false, provider, resends).rejection(), Rejection::of(Kind::duplicateResponse));
+  EXPECT_EQ(*service.draft("lights", false, provider, resends).rejection(), Rejection::duplicateResponse());
 }
 
 TEST(RavoScenarioDraftingService, NodeHintsSortTheirParametersAndRoundTrip) {
