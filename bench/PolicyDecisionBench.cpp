@@ -1,14 +1,19 @@
-// Cost of one decision on the bundled policies (lock, argument packing, module call, validation) and
-// the heap allocations it makes, counted by replacing the global operator new.
+// Cost of one decision (lock, argument packing, module call, validation) on each execution tier, next
+// to a floor: plain C++ functions with the same rules under the same kind of mutex, written only for
+// this comparison. Heap allocations are counted by replacing the global operator new.
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <mutex>
 #include <new>
 
 #include "checks/OrxRuntimeCheckCatalog.h"
-#include "runtime/OrxPolicyRuntime.h"
+#include "runtime/OrxPolicyDecider.h"
 
 namespace {
 std::atomic<std::uint64_t> allocations{0};
@@ -27,32 +32,122 @@ void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
-OrxPolicyRuntime& bundledRuntime() {
-  static OrxPolicyRuntime runtime(std::filesystem::path("artifacts"));
-  return runtime;
+std::vector<std::uint8_t> artifact(const std::string& module) {
+  std::ifstream in("artifacts/" + module + ".wasm", std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+OrxPolicyDecider& decider(bool precompiled) {
+  auto make = [](bool allowPrecompiled) {
+    return OrxPolicyModules{LoadedModule::instantiate("player_authz", artifact("player_authz"), allowPrecompiled),
+                            LoadedModule::instantiate("sync_correction", artifact("sync_correction"), allowPrecompiled),
+                            LoadedModule::instantiate("cinema_admission", artifact("cinema_admission"), allowPrecompiled)};
+  };
+  static OrxPolicyDecider interpreted(make(false));
+  static OrxPolicyDecider native(make(true));
+  return precompiled ? native : interpreted;
+}
+
+// The floor: the bundled policies' rules as C++, for the three benchmark facts' paths and their order.
+std::mutex floorLock;
+
+OrxAuthorizationDecision floorAuthorize(const AuthorizationFacts& f) {
+  std::lock_guard guard(floorLock);
+  using R = OrxAuthorizationReason;
+  if (f.role < 1 || f.role > 3) return {false, R::unpaired, 3};
+  if (f.tokenAgeMilliseconds < 0 || f.tokenAgeMilliseconds >= f.tokenTTLMilliseconds) return {false, R::tokenExpired, 3};
+  static constexpr int kRules[] = {0, 0x10001, 0x10001, 0x10001, 0x10002, 0x20004, 0x20020, 0x20004, 0x30040, 0x30080};
+  const int rule = f.command >= 1 && f.command <= 9 ? kRules[f.command] : 0;
+  if (!rule) return {false, R::unknownCommand, 3};
+  if (f.rateUsed < 0 || f.rateUsed >= f.rateLimit) return {false, R::rateLimited, 3};
+  if (!(f.grantFlags & rule & 0xFFFF)) return {false, R::missingGrant, 3};
+  if (f.role < 3 && ((rule >> 16) == 3 || f.controlMode == 2)) return {false, R::needsAdmin, 3};
+  if ((f.controlMode != 1 && f.controlMode != 2) || f.role < (rule >> 16)) return {false, R::notController, 3};
+  return {true, R::allowed, 3};
+}
+
+OrxSyncDecision floorCorrectSync(const SyncFacts& f) {
+  std::lock_guard guard(floorLock);
+  if (f.toleranceMilliseconds <= 0 || f.rateX100 <= 0 || f.roundTripMilliseconds < 0 || f.jitterMilliseconds < 0 ||
+      f.bufferAheadMilliseconds < 0 || f.stallCount < 0 || f.syncAgeMilliseconds < 0 ||
+      f.driftMilliseconds < -86400000 || f.driftMilliseconds > 86400000) {
+    return {OrxSyncAction::hold, 1000, 0, 5};
+  }
+  if (f.syncAgeMilliseconds > 5000 || f.roundTripMilliseconds > 1000 || f.jitterMilliseconds > f.toleranceMilliseconds) {
+    return {OrxSyncAction::hold, 1000, 0, 1};
+  }
+  const int distance = std::abs(f.driftMilliseconds);
+  if (distance <= f.toleranceMilliseconds) return {OrxSyncAction::hold, 1000, 0, 0};
+  if (distance > 500) return {OrxSyncAction::seek, 1000, -f.driftMilliseconds, 4};
+  if (f.driftMilliseconds < 0 && (f.stallCount > 0 || f.bufferAheadMilliseconds < 1000)) {
+    return {OrxSyncAction::hold, 1000, 0, 2};
+  }
+  const int delta = std::min(distance / 2, 50);
+  return {OrxSyncAction::nudge, f.driftMilliseconds > 0 ? 1000 - delta : 1000 + delta, 0, 3};
+}
+
+OrxCinemaAdmissionDecision floorDecideCinemaAdmission(const CinemaAdmissionFacts& f) {
+  std::lock_guard guard(floorLock);
+  using Route = OrxCinemaAdmissionRoute;
+  using Reason = OrxCinemaAdmissionReason;
+  if (f.sourceFPSX100 <= 0 || f.targetFPSX100 <= 0 || f.headroom < 0 || f.headroom > 50 || f.thermalState < 0 ||
+      f.thermalState > 3 || f.memoryPressure < 0 || f.memoryPressure > 2 || f.sourceReservoirMilliseconds < 0 ||
+      std::min({f.bridgeTenthsMilliseconds, f.temporalTenthsMilliseconds, f.interpolationTenthsMilliseconds,
+                f.metalFXTenthsMilliseconds, f.finalDetailTenthsMilliseconds, f.modelTenthsMilliseconds,
+                f.modelSampleCount}) < 0) {
+    return {Route::measurementRequired, 0, 0, Reason::invalidFacts};
+  }
+  const int budget = 1000000 / f.targetFPSX100 * (68 - f.headroom) / 100;
+  if (f.thermalState >= 2 || f.memoryPressure >= 2) return {Route::metalFXOnly, 0, budget, Reason::thermalOrMemory};
+  if (f.sourceReservoirMilliseconds < 2000) return {Route::metalFXOnly, 0, budget, Reason::sourceReservoir};
+  const long long perFrame = 0LL + f.bridgeTenthsMilliseconds + f.temporalTenthsMilliseconds +
+                             f.interpolationTenthsMilliseconds + f.finalDetailTenthsMilliseconds;
+  if (perFrame + f.metalFXTenthsMilliseconds > budget) return {Route::metalFXOnly, 0, budget, Reason::nonMLOverBudget};
+  if (f.modelSampleCount < 3) return {Route::calibration, 0, budget, Reason::calibration};
+  if (perFrame + f.modelTenthsMilliseconds <= budget) return {Route::fullFrameML, 0, budget, Reason::liveSafe};
+  const long long spare = budget - perFrame;
+  if (spare <= 0) return {Route::metalFXOnly, 0, budget, Reason::nonMLOverBudget};
+  const long long interval = std::min((f.modelTenthsMilliseconds + spare - 1) / spare, 10000LL);
+  return {Route::sparseAnchorResearch, static_cast<std::int32_t>(interval), budget, Reason::sparseResearch};
 }
 
 template <class Decide>
 void measure(benchmark::State& state, Decide decide) {
-  auto& runtime = bundledRuntime();
   const auto before = allocations.load();
-  for (auto _ : state) benchmark::DoNotOptimize(decide(runtime));
-  state.counters["allocs/decision"] =
-      benchmark::Counter(static_cast<double>(allocations.load() - before) / static_cast<double>(state.iterations()));
+  for (auto _ : state) benchmark::DoNotOptimize(decide());
+  if (state.thread_index() == 0) {
+    state.counters["allocs/decision"] = benchmark::Counter(static_cast<double>(allocations.load() - before) /
+                                                           static_cast<double>(state.iterations()));
+  }
 }
 
-void BM_Authorize(benchmark::State& state) {
-  measure(state, [](OrxPolicyRuntime& r) { return r.authorize(orx_check_facts::controllerCommand); });
+using namespace orx_check_facts;
+
+void BM_Authorize_Floor(benchmark::State& s) { measure(s, [] { return floorAuthorize(controllerCommand); }); }
+void BM_Authorize_Interpreted(benchmark::State& s) { measure(s, [] { return decider(false).authorize(controllerCommand); }); }
+void BM_Authorize_Precompiled(benchmark::State& s) { measure(s, [] { return decider(true).authorize(controllerCommand); }); }
+void BM_Sync_Floor(benchmark::State& s) { measure(s, [] { return floorCorrectSync(syncSmallDrift); }); }
+void BM_Sync_Interpreted(benchmark::State& s) { measure(s, [] { return decider(false).correctSync(syncSmallDrift); }); }
+void BM_Sync_Precompiled(benchmark::State& s) { measure(s, [] { return decider(true).correctSync(syncSmallDrift); }); }
+void BM_Cinema_Floor(benchmark::State& s) { measure(s, [] { return floorDecideCinemaAdmission(cinemaMeasured); }); }
+void BM_Cinema_Interpreted(benchmark::State& s) {
+  measure(s, [] { return decider(false).decideCinemaAdmission(cinemaMeasured); });
 }
-void BM_CorrectSync(benchmark::State& state) {
-  measure(state, [](OrxPolicyRuntime& r) { return r.correctSync(orx_check_facts::syncSmallDrift); });
+void BM_Cinema_Precompiled(benchmark::State& s) {
+  measure(s, [] { return decider(true).decideCinemaAdmission(cinemaMeasured); });
 }
-void BM_DecideCinemaAdmission(benchmark::State& state) {
-  measure(state, [](OrxPolicyRuntime& r) { return r.decideCinemaAdmission(orx_check_facts::cinemaMeasured); });
-}
-BENCHMARK(BM_Authorize);
-BENCHMARK(BM_CorrectSync);
-BENCHMARK(BM_DecideCinemaAdmission);
-BENCHMARK(BM_Authorize)->Threads(2)->Name("BM_Authorize/contended");
+
+BENCHMARK(BM_Authorize_Floor);
+BENCHMARK(BM_Authorize_Interpreted);
+BENCHMARK(BM_Authorize_Precompiled);
+BENCHMARK(BM_Authorize_Precompiled)->Threads(2)->Name("BM_Authorize_Precompiled/contended");
+BENCHMARK(BM_Sync_Floor);
+BENCHMARK(BM_Sync_Interpreted);
+BENCHMARK(BM_Sync_Precompiled);
+BENCHMARK(BM_Sync_Precompiled)->Threads(2)->Name("BM_Sync_Precompiled/contended");
+BENCHMARK(BM_Cinema_Floor);
+BENCHMARK(BM_Cinema_Interpreted);
+BENCHMARK(BM_Cinema_Precompiled);
+BENCHMARK(BM_Cinema_Precompiled)->Threads(2)->Name("BM_Cinema_Precompiled/contended");
 
 }  // namespace
