@@ -1,0 +1,33 @@
+// Any bytes as a drafting model's answer: reading it either refuses with RavoJSONDecodingError or
+// gives a draft that validates without throwing, digests, round-trips as a revision and compares
+// equal to itself.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
+#include "contracts/scenarios/RavoScenarioCatalog.h"
+#include "contracts/scenarios/RavoScenarioRevisionDiffer.h"
+#include "contracts/services/RavoJSONScenarioDraftProposer.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const RavoScenarioDraftingRequest request(RavoUUID::random(), 1, "fuzz", false, {});
+  std::string_view answer(reinterpret_cast<const char*>(data), size);
+  std::optional<RavoScenarioDraftingResponse> response;
+  try {
+    response.emplace(RavoJSONScenarioDraftProposer::parseAnswer(answer, request));
+  } catch (const RavoJSONDecodingError&) {
+    return 0;
+  }
+  RavoScenarioCatalog::validate(response->draft(), RavoScenarioBuiltInCatalog::definitions());
+  RavoScenarioRevision revision(RavoUUID::random(), 1, response->draft());
+  if (RavoScenarioRevision::fromJSON(parseRavoJSON(revision.toJSON().dump())) != revision) std::abort();
+  auto diff = RavoScenarioRevisionDiffer::compare(revision, revision);
+  if (diff.graphDigestChanged() || !diff.addedNodes().empty() || !diff.removedNodes().empty() ||
+      !diff.changedNodeVersions().empty() || diff.edgeCountDelta() != 0) {
+    std::abort();
+  }
+  return 0;
+}
