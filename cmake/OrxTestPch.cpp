@@ -1,0 +1,1 @@
+// Anchor for the tests' shared precompiled header.
