@@ -31,7 +31,8 @@ class OrxBundledPolicies : public ::testing::Test {
 };
 
 TEST_F(OrxBundledPolicies, AuthorizationAnswersEveryManifestCase) {
-  for (const auto& row : manifest("player_authz").at("cases")) {
+  const Json cases = manifest("player_authz").at("cases");  // owned: a range-for over a temporary's member dangles
+  for (const auto& row : cases) {
     const auto f = factsOf<8>(row);
     const auto expected = row.at("emits").get<std::vector<std::int32_t>>();
     const auto decision = runtime.authorize({f[0], f[1], f[2], f[3], f[4], f[5], f[6], f[7]});
@@ -42,7 +43,8 @@ TEST_F(OrxBundledPolicies, AuthorizationAnswersEveryManifestCase) {
 }
 
 TEST_F(OrxBundledPolicies, SyncAnswersEveryManifestCase) {
-  for (const auto& row : manifest("sync_correction").at("cases")) {
+  const Json cases = manifest("sync_correction").at("cases");  // owned: a range-for over a temporary's member dangles
+  for (const auto& row : cases) {
     const auto f = factsOf<8>(row);
     const auto e = row.at("emits").get<std::vector<std::int32_t>>();
     const auto decision = runtime.correctSync({f[0], f[1], f[2], f[3], f[4], f[5], f[6], f[7]});
@@ -52,7 +54,8 @@ TEST_F(OrxBundledPolicies, SyncAnswersEveryManifestCase) {
 }
 
 TEST_F(OrxBundledPolicies, CinemaAnswersEveryManifestCase) {
-  for (const auto& row : manifest("cinema_admission").at("cases")) {
+  const Json cases = manifest("cinema_admission").at("cases");  // owned: a range-for over a temporary's member dangles
+  for (const auto& row : cases) {
     const auto f = factsOf<13>(row);
     const auto e = row.at("emits").get<std::vector<std::int32_t>>();
     const auto decision = runtime.decideCinemaAdmission(
