@@ -100,6 +100,10 @@ class WabtModuleInstance final : public OrxModuleInstance {
         // A trap unwinds nothing: the interpreter thread keeps the failed call's frames and values,
         // and reusing it would shift every later call's locals. Start the next call on a fresh one.
         thread_ = std::make_unique<Thread>(store_);
+        // Every trap is an object of the store, freed only by a collection; without one, a module that
+        // keeps failing would grow the store by a trap per decision for the runtime's whole life.
+        trap.reset();
+        store_.Collect();
       } else {
         invocation.result = convertResult();
       }
