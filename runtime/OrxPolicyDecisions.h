@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 enum class OrxAuthorizationReason : std::int32_t {
   allowed = 0,
@@ -43,6 +44,12 @@ std::optional<OrxAuthorizationReason> orxAuthorizationReason(std::int32_t raw);
 std::optional<OrxSyncAction> orxSyncAction(std::int32_t raw);
 std::optional<OrxCinemaAdmissionRoute> orxCinemaAdmissionRoute(std::int32_t raw);
 std::optional<OrxCinemaAdmissionReason> orxCinemaAdmissionReason(std::int32_t raw);
+
+// The case's name as written in the enumeration ("tokenExpired", "nudge"), for reports and tools.
+std::string_view orxCaseName(OrxAuthorizationReason value);
+std::string_view orxCaseName(OrxSyncAction value);
+std::string_view orxCaseName(OrxCinemaAdmissionRoute value);
+std::string_view orxCaseName(OrxCinemaAdmissionReason value);
 
 template <class E>
 constexpr std::int32_t rawValue(E value) {
