@@ -1,0 +1,34 @@
+#include "host_contract/ORXDecisionEvidenceRecord.h"
+#include "tools/cli/OrxCliCommand.h"
+#include "tools/cli/OrxCliIO.h"
+
+namespace {
+
+std::string_view outcomeName(ORXDecisionOutcome outcome) {
+  switch (outcome) {
+    case ORXDecisionOutcome::allow: return "allow";
+    case ORXDecisionOutcome::deny: return "deny";
+    case ORXDecisionOutcome::limit: return "limit";
+  }
+  return {};
+}
+
+int runEvidence(OrxCliArguments& arguments) {
+  const auto record = ORXDecisionEvidenceRecord::parseCanonicalBytes(orxCliReadDocument(arguments));
+  orxCliPrintJSON(RavoJSON{{"digest", record.digest().value()},
+                       {"decisionOutcome", outcomeName(record.decisionOutcome())},
+                       {"trustLevel", orxRawValue(record.trustLevel())}});
+  return 0;
+}
+
+}  // namespace
+
+const OrxCliCommand& orxCliEvidenceCommand() {
+  static constexpr OrxCliCommand command{
+      "evidence", "[FILE]", "read decision evidence bytes strictly and print what they record",
+      "Accepts the document only when it is exactly the canonical bytes of a valid decision evidence\n"
+      "record (no trailing newline), and prints its digest, decision outcome and trust level as JSON:\n"
+      "{\"digest\":\"sha256:...\",\"decisionOutcome\":\"allow\",\"trustLevel\":\"schemaOnly\"}\n",
+      runEvidence};
+  return command;
+}

@@ -1,0 +1,23 @@
+#pragma once
+// Where a subcommand's document comes from and where its result goes. Results are written to standard
+// output only, each ending with a newline, so that scripts can take them as they are.
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "contracts/support/RavoJSON.h"
+#include "tools/cli/OrxCliArguments.h"
+
+// The bytes of `file`, or of standard input when no file is named, exactly as they are.
+// Throws std::runtime_error "could not read <file>: <reason>".
+std::string orxCliReadInput(const std::optional<std::string>& file);
+
+// Takes the optional FILE that ends a subcommand's arguments, refuses anything left over, and reads
+// the document.
+std::string orxCliReadDocument(OrxCliArguments& arguments);
+
+// Writes `text` and a newline to standard output.
+void orxCliPrint(std::string_view text);
+// Writes `json` compactly, on one line.
+void orxCliPrintJSON(const RavoJSON& json);

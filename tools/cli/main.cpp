@@ -1,0 +1,93 @@
+// ravo-orx COMMAND [ARGUMENTS]: the canonical core, the host contract, the policy runtime, the
+// application actions and the scenarios, from the command line. Results go to standard output; every
+// error is one line on standard error. Exit status: 0 success, 1 refused input, 2 usage mistake.
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "runtime/OrxLog.h"
+#include "tools/cli/OrxCliCommand.h"
+#include "tools/cli/OrxCliIO.h"
+
+namespace {
+
+constexpr int kRefusedInput = 1;
+constexpr int kUsageMistake = 2;
+
+const std::array<const OrxCliCommand*, 8>& commands() {
+  static const std::array<const OrxCliCommand*, 8> all{
+      &orxCliCanonCommand(),   &orxCliDigestCommand(),  &orxCliEvidenceCommand(),  &orxCliStatusCommand(),
+      &orxCliDecideCommand(),  &orxCliResolveCommand(), &orxCliShortlistCommand(), &orxCliScenarioCommand()};
+  return all;
+}
+
+std::string toolHelp() {
+  std::string help = "usage: ravo-orx COMMAND [ARGUMENTS]\n\ncommands:\n";
+  for (const auto* command : commands()) {
+    std::string name(command->name);
+    help += "  " + name + std::string(12 - name.size(), ' ') + std::string(command->summary) + "\n";
+  }
+  help +=
+      "\nDocuments are read from standard input unless a FILE is named. Results go to standard output,\n"
+      "errors to standard error as one line. Exit status: 0 success, 1 refused input, 2 usage mistake.\n"
+      "'ravo-orx COMMAND --help' describes one command.";
+  return help;
+}
+
+std::string commandHelp(const OrxCliCommand& command) {
+  return "usage: ravo-orx " + std::string(command.name) + " " + std::string(command.synopsis) + "\n\n" +
+         std::string(command.details) + "\n" + "Exit status: 0 success, 1 refused input, 2 usage mistake.";
+}
+
+// Error texts are printed as the system wrote them, folded onto one line.
+void printError(std::string text) {
+  std::replace_if(text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+  text += '\n';
+  std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+int usageMistake(std::string_view where, std::string_view message) {
+  printError("ravo-orx" + std::string(where) + ": " + std::string(message) + " (see 'ravo-orx" +
+             std::string(where) + " --help')");
+  return kUsageMistake;
+}
+
+int run(const OrxCliCommand& command, OrxCliArguments& arguments) {
+  const std::string where = " " + std::string(command.name);
+  try {
+    if (arguments.flag("--help")) {
+      orxCliPrint(commandHelp(command));
+      return 0;
+    }
+    return command.run(arguments);
+  } catch (const OrxCliUsageError& error) {
+    return usageMistake(where, error.what());
+  } catch (const std::exception& error) {
+    printError(error.what());
+    return kRefusedInput;
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // The runtime logs every load, and every load failure, to standard error. The tool keeps standard
+  // error for its own one-line errors, so the runtime's messages are dropped: `status` prints the
+  // load error itself.
+  setOrxLogSink([](OrxLogLevel, std::string_view) {});
+
+  std::vector<std::string> words(argv + 1, argv + argc);
+  if (words.empty()) return usageMistake("", "missing COMMAND");
+  if (words.front() == "--help") {
+    orxCliPrint(toolHelp());
+    return 0;
+  }
+  const auto command = std::find_if(commands().begin(), commands().end(),
+                                    [&](const OrxCliCommand* candidate) { return candidate->name == words.front(); });
+  if (command == commands().end()) return usageMistake("", "unknown command \"" + words.front() + "\"");
+  OrxCliArguments arguments(std::vector<std::string>(words.begin() + 1, words.end()));
+  return run(**command, arguments);
+}
