@@ -108,7 +108,8 @@ const OrxCliCommand& orxCliDecideCommand() {
       "          memoryPressure bridgeTenthsMilliseconds temporalTenthsMilliseconds\n"
       "          interpolationTenthsMilliseconds metalFXTenthsMilliseconds finalDetailTenthsMilliseconds\n"
       "          modelTenthsMilliseconds modelSampleCount\n"
-      "          -> {\"route\":...,\"sparseAnchorIntervalFrames\":...,\"safeBudgetTenthsMilliseconds\":...,\"reason\":...}\n",
+      "          -> {\"route\":...,\"sparseAnchorIntervalFrames\":...,\"safeBudgetTenthsMilliseconds\":...,\n"
+      "              \"reason\":...}\n",
       runDecide};
   return command;
 }

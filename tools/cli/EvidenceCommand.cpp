@@ -16,8 +16,8 @@ std::string_view outcomeName(ORXDecisionOutcome outcome) {
 int runEvidence(OrxCliArguments& arguments) {
   const auto record = ORXDecisionEvidenceRecord::parseCanonicalBytes(orxCliReadDocument(arguments));
   orxCliPrintJSON(RavoJSON{{"digest", record.digest().value()},
-                       {"decisionOutcome", outcomeName(record.decisionOutcome())},
-                       {"trustLevel", orxRawValue(record.trustLevel())}});
+                           {"decisionOutcome", outcomeName(record.decisionOutcome())},
+                           {"trustLevel", orxRawValue(record.trustLevel())}});
   return 0;
 }
 

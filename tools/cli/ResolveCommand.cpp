@@ -34,7 +34,7 @@ int runResolve(OrxCliArguments& arguments) {
   const auto resolution = RavoActionIntentResolver::resolve(text, RavoActionProposalOrigin::deterministicRouter,
                                                             RavoApplicationActionCatalog::descriptors());
   orxCliPrintJSON(RavoJSON{{"resolution", resolutionJSON(resolution)},
-                       {"voiceRoute", routeJSON(RavoVoiceFastPathRouter::route(text))}});
+                           {"voiceRoute", routeJSON(RavoVoiceFastPathRouter::route(text))}});
   return 0;
 }
 

@@ -19,8 +19,8 @@ constexpr int kUsageMistake = 2;
 
 const std::array<const OrxCliCommand*, 8>& commands() {
   static const std::array<const OrxCliCommand*, 8> all{
-      &orxCliCanonCommand(),   &orxCliDigestCommand(),  &orxCliEvidenceCommand(),  &orxCliStatusCommand(),
-      &orxCliDecideCommand(),  &orxCliResolveCommand(), &orxCliShortlistCommand(), &orxCliScenarioCommand()};
+      &orxCliCanonCommand(),  &orxCliDigestCommand(),  &orxCliEvidenceCommand(),  &orxCliStatusCommand(),
+      &orxCliDecideCommand(), &orxCliResolveCommand(), &orxCliShortlistCommand(), &orxCliScenarioCommand()};
   return all;
 }
 
@@ -44,14 +44,14 @@ std::string commandHelp(const OrxCliCommand& command) {
 
 // Error texts are printed as the system wrote them, folded onto one line.
 void printError(std::string text) {
-  std::replace_if(text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+  for (char& c : text) c = (c == '\n' || c == '\r') ? ' ' : c;
   text += '\n';
   std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
 int usageMistake(std::string_view where, std::string_view message) {
-  printError("ravo-orx" + std::string(where) + ": " + std::string(message) + " (see 'ravo-orx" +
-             std::string(where) + " --help')");
+  printError("ravo-orx" + std::string(where) + ": " + std::string(message) + " (see 'ravo-orx" + std::string(where) +
+             " --help')");
   return kUsageMistake;
 }
 

@@ -1,0 +1,281 @@
+// The built ravo-orx, driven like its users drive it: every subcommand with good and bad input, and
+// exactly what it writes to standard output and standard error and the status it exits with.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+extern char** environ;
+
+namespace {
+
+namespace fs = std::filesystem;
+using Words = std::vector<std::string>;
+
+const fs::path kRoot = ORX_REPOSITORY_ROOT;
+const std::string kData = (kRoot / "tools/cli/tests/data").string() + "/";
+
+struct Outcome {
+  std::string out;
+  std::string err;
+  int status = -1;
+
+  friend bool operator==(const Outcome&, const Outcome&) = default;
+  friend std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
+    return stream << "status " << outcome.status << ", stdout \"" << outcome.out << "\", stderr \"" << outcome.err
+                  << "\"";
+  }
+};
+
+// A directory of this test process under the temporary directory, removed with the value.
+struct Scratch {
+  explicit Scratch(const std::string& name) : path(fs::temp_directory_path() / (name + std::to_string(::getpid()))) {
+    fs::create_directories(path);
+  }
+  ~Scratch() { fs::remove_all(path); }
+  fs::path path;
+};
+
+std::string fileText(const fs::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// Runs the built tool as its users do, with standard input, output and error redirected to files.
+Outcome run(Words arguments, const std::string& input, const fs::path& workingDirectory = kRoot) {
+  const Scratch scratch("ravo-orx-run-");
+  const auto in = scratch.path / "in", out = scratch.path / "out", err = scratch.path / "err";
+  std::ofstream(in, std::ios::binary) << input;
+  arguments.insert(arguments.begin(), ORX_CLI_TOOL);
+  std::vector<char*> argv;
+  for (auto& word : arguments) argv.push_back(word.data());
+  argv.push_back(nullptr);
+
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  posix_spawn_file_actions_addchdir_np(&actions, workingDirectory.c_str());
+  pid_t child = 0;
+  const int spawned = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  int status = 0;
+  if (spawned != 0 || ::waitpid(child, &status, 0) != child) return {};
+  return {fileText(out), fileText(err), WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
+}
+
+struct Case {
+  Words arguments;
+  std::string input;
+  Outcome expected;
+};
+
+Outcome printed(const std::string& out) { return {out + "\n", "", 0}; }
+Outcome refused(const std::string& err) { return {"", err + "\n", 1}; }
+Outcome misused(const std::string& command, const std::string& message) {
+  return {"", "ravo-orx " + command + ": " + message + " (see 'ravo-orx " + command + " --help')\n", 2};
+}
+
+void expectOutcomes(const std::vector<Case>& cases, const fs::path& workingDirectory = kRoot) {
+  for (const auto& [arguments, input, expected] : cases) {
+    std::string command;
+    for (const auto& word : arguments) command += " " + word;
+    EXPECT_EQ(run(arguments, input, workingDirectory), expected) << "ravo-orx" << command;
+  }
+}
+
+TEST(RavoOrxTool, HelpAndCommands) {
+  expectOutcomes({{{}, "", {"", "ravo-orx: missing COMMAND (see 'ravo-orx --help')\n", 2}},
+                  {{"frob"}, "", {"", "ravo-orx: unknown command \"frob\" (see 'ravo-orx --help')\n", 2}}});
+  const std::string toolHelp = run({"--help"}, "").out;
+  for (const std::string command :
+       {"canon", "digest", "evidence", "status", "decide", "resolve", "shortlist", "scenario"}) {
+    const auto outcome = run({command, "--help"}, "");
+    EXPECT_TRUE(outcome.out.starts_with("usage: ravo-orx " + command + " ") && outcome.status == 0) << outcome;
+    EXPECT_NE(toolHelp.find("\n  " + command + " "), std::string::npos) << command;
+  }
+}
+
+TEST(RavoOrxTool, Canon) {
+  const std::string evidence = fileText(kData + "evidence-allow.json");
+  expectOutcomes({
+      {{"canon"}, R"({ "b": [1, true], "a": "\u00e9" })", printed(R"({"a":"é","b":[1,true]})")},
+      {{"canon", kData + "evidence-allow.json"}, "", printed(evidence)},
+      {{"canon"}, "[1.5]", refused("orx.v051.parse_invalid: floating JSON numbers are not canonical ORX values")},
+      {{"canon"}, R"({"a":1,"a":2})", refused("orx.v051.collection_duplicate: canonical object repeats key 'a'")},
+      {{"canon"}, "\"\xff\"", refused("orx.v051.parse_invalid: invalid UTF-8 string")},
+      {{"canon", "/nonexistent.json"}, "", refused("could not read /nonexistent.json: No such file or directory")},
+      {{"canon", "--pretty"}, "", misused("canon", "unknown option --pretty")},
+  });
+}
+
+TEST(RavoOrxTool, Digest) {
+  // Cross-checked with Python's hashlib: SHA-256 of the tag, a zero byte and the canonical bytes.
+  const std::string evidence = "sha256:6d85b17a4755c50ff650a7ae2337eb356227a8bf2a20b73c334ae66908ed73df";
+  const std::string tag = "ORX_DECISION_EVIDENCE_V1";
+  expectOutcomes({
+      {{"digest", tag, kData + "evidence-allow.json"}, "", printed(evidence)},
+      {{"digest", tag}, " " + fileText(kData + "evidence-allow.json") + "\n", printed(evidence)},
+      {{"digest", "--raw"}, "abc", printed("sha256:ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad")},
+      {{"digest", "ORX_GRANT_SET_V1"}, "[1,", refused("orx.v051.parse_invalid: unexpected end of JSON")},
+      {{"digest"}, "", misused("digest", "missing TAG")},
+      {{"digest", "ORX_GRANT_SET_V2"}, "",
+       misused("digest", "unknown digest tag \"ORX_GRANT_SET_V2\"; the tags are ORX_CANONICAL_TYPED_INPUT_V1, "
+                         "ORX_GRANT_SET_V1, ORX_DECISION_INTENT_V1, ORX_PACKAGE_IDENTITY_V1, ORX_POLICY_ARTIFACT_V1, "
+                         "ORX_VERIFIED_ARTIFACT_V1, ORX_DECISION_EVIDENCE_V1, ORX_EFFECT_RECEIPT_V1")},
+  });
+}
+
+TEST(RavoOrxTool, Evidence) {
+  expectOutcomes({
+      {{"evidence", kData + "evidence-allow.json"}, "",
+       printed(R"({"digest":"sha256:6d85b17a4755c50ff650a7ae2337eb356227a8bf2a20b73c334ae66908ed73df",)"
+               R"("decisionOutcome":"allow","trustLevel":"schemaOnly"})")},
+      {{"evidence"}, fileText(kData + "evidence-deny.json"),
+       printed(R"({"digest":"sha256:6eb5a542434c3d97c98de2103ff3c5751ad00feaf561af8387d1fe61b672112d",)"
+               R"("decisionOutcome":"deny","trustLevel":"schemaOnly"})")},
+      {{"evidence"}, fileText(kData + "evidence-allow.json") + "\n",
+       refused("orx.v051.decision_evidence_noncanonical: DecisionEvidence bytes are not canonical")},
+      {{"evidence"}, "nope", refused("orx.v051.parse_invalid: unsupported JSON value")},
+  });
+}
+
+TEST(RavoOrxTool, Status) {
+  const Outcome bundled = run({"status"}, "");
+  ASSERT_TRUE(bundled.out.starts_with("ORX active \u00B7 ")) << bundled;
+  const std::string sync = bundled.out.substr(bundled.out.find(" / ") + 3, 8);
+  const std::string cinema = bundled.out.substr(bundled.out.rfind(" / ") + 3, 8);
+
+  // Copies of the artifacts with one byte changed: in a module, and in the evidence's toolchain digest.
+  const Scratch scratch("ravo-orx-test-");
+  const fs::path module = scratch.path / "module", evidence = scratch.path / "evidence";
+  auto flip = [](const fs::path& directory, const std::string& file, std::size_t offset) {
+    fs::copy(kRoot / "artifacts", directory);
+    std::fstream stream(directory / file, std::ios::in | std::ios::out | std::ios::binary);
+    const char byte = static_cast<char>(stream.seekg(static_cast<std::streamoff>(offset)).get());
+    stream.seekp(static_cast<std::streamoff>(offset)).put(byte == '0' ? '1' : '0');
+  };
+  flip(module, "player_authz.wasm", 100);
+  const std::string key = "\"toolchainBundleSha256\": \"";
+  flip(evidence, "evidence.json", fileText(kRoot / "artifacts/evidence.json").find(key) + key.size());
+
+  const std::string unavailable = "ORX unavailable \u00B7 native safe mode\n";
+  expectOutcomes({
+      {{"status", "artifacts"}, "", bundled},
+      {{"status", module.string()}, "",
+       {"ORX partial \u00B7 authz unavailable / sync " + sync + " / cinema " + cinema +
+            "\nplayer_authz: ORX artifact digest mismatch for player_authz\n", "", 1}},
+      {{"status", evidence.string()}, "",
+       {unavailable + "ORX build provenance is not approved by this Ravo build\n", "", 1}},
+      {{"status", "/nonexistent"}, "",
+       {unavailable + "could not read /nonexistent/evidence.json: No such file or directory\n", "", 1}},
+      {{"status", "a", "b"}, "", misused("status", "unexpected argument \"b\"")},
+  });
+  // Without a directory the search starts from the working directory; the build tree holds none.
+  expectOutcomes({{{"status"}, "", {unavailable + "Bundled ORX artifacts were not found\n", "", 1}}}, scratch.path);
+}
+
+TEST(RavoOrxTool, Decide) {
+  const Words plays{"decide", "authz", "2", "6", "63", "1000", "900000", "0", "600", "1"};
+  auto with = [](Words words, const Words& extra) {
+    words.insert(words.end(), extra.begin(), extra.end());
+    return words;
+  };
+  const std::string factRange = " must be an integer from -2147483648 to 2147483647, got ";
+  expectOutcomes({
+      {plays, "", printed(R"({"isAllowed":true,"reason":"allowed","policyVersion":3})")},
+      {{"decide", "sync", "501", "20", "5", "10000", "100", "0", "500", "50"}, "",
+       printed(R"({"action":"seek","rateX1000":1000,"correctionMilliseconds":-501,"reason":4})")},
+      {{"decide", "--artifacts=artifacts", "cinema", "2500", "2500", "5000", "0", "0", "0", "20", "0", "0", "50", "20",
+        "5000", "3"}, "",
+       printed(R"({"route":"sparseAnchorResearch","sparseAnchorIntervalFrames":22,)"
+               R"("safeBudgetTenthsMilliseconds":272,"reason":"sparseResearch"})")},
+      {with(plays, {"--artifacts", "/nonexistent"}), "",
+       printed(R"({"isAllowed":false,"reason":"runtimeUnavailable","policyVersion":0})")},
+      {{"decide", "authz", "1", "2", "3"}, "", misused("decide", "authz takes 8 facts, got 3")},
+      {with(plays, {"9"}), "", misused("decide", "authz takes 8 facts, got 9")},
+      {{"decide", "sync", "1.5"}, "", misused("decide", "fact 1" + factRange + "\"1.5\"")},
+      {{"decide", "sync", "0", "2147483648"}, "", misused("decide", "fact 2" + factRange + "\"2147483648\"")},
+      {{"decide", "play"}, "", misused("decide", "unknown decision \"play\"; expected authz, sync or cinema")},
+      {with(plays, {"--artifacts"}), "", misused("decide", "--artifacts needs a value")},
+  });
+}
+
+TEST(RavoOrxTool, Resolve) {
+  const std::string pause = R"("actionID":"ravo.player.pause","arguments":{}})";
+  const std::string volume =
+      R"("actionID":"ravo.player.volume.set","arguments":{"level":{"kind":"number","number":0.4}}})";
+  const std::string drafting = R"("voiceRoute":{"kind":"aiDrafting"}})";
+  expectOutcomes({
+      {{"resolve", "  ПАУЗА "}, "",
+       printed(R"({"resolution":{"kind":"exact",)" + pause + R"(,"voiceRoute":{"kind":"action",)" + pause + "}")},
+      {{"resolve", "громкость 40%"}, "",
+       printed(R"({"resolution":{"kind":"exact",)" + volume + R"(,"voiceRoute":{"kind":"action",)" + volume + "}")},
+      {{"resolve", "открой музыку"}, "",
+       printed(R"({"resolution":{"kind":"exact","actionID":"ravo.ui.music.open","arguments":{}},)" + drafting)},
+      {{"resolve", "pause and open music"}, "",
+       printed(R"({"resolution":{"kind":"choices","actionIDs":["ravo.player.pause","ravo.ui.music.open"]},)" +
+               drafting)},
+      {{"resolve", "--", "--help"}, "", printed(R"({"resolution":{"kind":"none"},)" + drafting)},
+      {{"resolve"}, "", misused("resolve", "missing TEXT")},
+      {{"resolve", "open", "music"}, "", misused("resolve", "unexpected argument \"music\"")},
+  });
+}
+
+TEST(RavoOrxTool, Shortlist) {
+  expectOutcomes({
+      {{"shortlist", "pause", "--limit", "3"}, "",
+       printed(R"(["ravo.player.pause","ravo.player.next","ravo.player.previous"])")},
+      {{"shortlist", "--limit=1", "громкость 50"}, "", printed(R"(["ravo.player.volume.set"])")},
+      {{"shortlist", ""}, "",
+       printed(R"(["ravo.player.next","ravo.player.pause","ravo.player.previous","ravo.player.resume",)"
+               R"("ravo.player.volume.set","ravo.ui.home.open","ravo.ui.kolto.open","ravo.ui.music.open",)"
+               R"("ravo.ui.pixmor.open","ravo.ui.video.open"])")},
+      {{"shortlist", "pause", "--limit", "0"}, "",
+       misused("shortlist", "--limit must be an integer from 1 to 24, got \"0\"")},
+      {{"shortlist", "--limit", "2"}, "", misused("shortlist", "missing TEXT")},
+  });
+}
+
+TEST(RavoOrxTool, Scenario) {
+  const Scratch scratch("ravo-orx-test-");
+  const fs::path forged = scratch.path / "forged.json";
+  std::string revision = fileText(kData + "revision-1.json");
+  std::ofstream(forged) << revision.replace(revision.find("\"0cb4"), 5, "\"1cb4");
+  auto diff = [](char to, bool changed, const std::string& addedNodes) {
+    const std::string flag = changed ? "true" : "false";
+    return printed(std::string(R"({"fromRevisionID":"00000000-0000-0000-0000-0000000000A1",)") +
+                   R"("toRevisionID":"00000000-0000-0000-0000-0000000000A)" + to + R"(","titleChanged":)" + flag +
+                   R"(,"lifecycleChanged":false,"activationRequestChanged":false,"graphDigestChanged":)" + flag +
+                   R"(,"addedNodes":[)" + addedNodes + R"(],"removedNodes":[],"changedNodeVersions":[],)" +
+                   R"("addedCapabilities":[],"removedCapabilities":[],"edgeCountDelta":0})");
+  };
+  expectOutcomes({
+      {{"scenario", "validate", kData + "draft.json"}, "", printed("[]")},
+      {{"scenario", "validate"}, fileText(kData + "draft-invalid.json"),
+       printed("[\"missingCapability(ravo.audio.volume)\",\"missingInputKey\",\"cycleDetected\"]")},
+      {{"scenario", "validate"}, "[]", refused("RavoScenarioDraft: expected an object, found an array")},
+      // Cross-checked with Python: SHA-256 of json.dumps(graph, sort_keys=True, separators=(",", ":")).
+      {{"scenario", "digest", kData + "graph.json"}, "",
+       printed("0cb48448d34498907d9b93a2d43c6da3a73bd1c400b5cd2db402160a26b68ff7")},
+      {{"scenario", "digest", kData + "draft.json"}, "", refused("RavoScenarioGraph.nodes: missing key")},
+      {{"scenario", "diff", kData + "revision-1.json", kData + "revision-2.json"}, "",
+       diff('2', true, R"({"nodeType":"ravo.trigger.manual","nodeVersion":"1.0.0","stableTargetIDs":[]})")},
+      {{"scenario", "diff", kData + "revision-1.json", kData + "revision-1.json"}, "", diff('1', false, "")},
+      {{"scenario", "diff", kData + "revision-1.json", forged.string()}, "",
+       refused("RavoScenarioRevision.graphDigest: does not match the draft's graph")},
+      {{"scenario", "diff", kData + "revision-1.json"}, "", misused("scenario", "missing TO")},
+      {{"scenario", "merge"}, "",
+       misused("scenario", "unknown scenario command \"merge\"; expected validate, digest or diff")},
+  });
+}
+
+}  // namespace
