@@ -12,12 +12,9 @@ int runCanon(OrxCliArguments& arguments) {
 
 }  // namespace
 
-const OrxCliCommand& orxCliCanonCommand() {
-  static constexpr OrxCliCommand command{
-      "canon", "[FILE]", "print the canonical text of canonical ORX JSON",
-      "Parses the document strictly as canonical ORX JSON (strings, booleans, 64-bit integers, arrays\n"
-      "and objects with unique keys; whitespace, escapes and key order as written) and prints it with no\n"
-      "whitespace, keys sorted and minimal escapes.\n",
-      runCanon};
-  return command;
-}
+constinit const OrxCliCommand kOrxCliCanonCommand{
+    "canon", "[FILE]", "print the canonical text of canonical ORX JSON",
+    "Parses the document strictly as canonical ORX JSON (strings, booleans, 64-bit integers, arrays\n"
+    "and objects with unique keys; whitespace, escapes and key order as written) and prints it with no\n"
+    "whitespace, keys sorted and minimal escapes.\n",
+    runCanon};

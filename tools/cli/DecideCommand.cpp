@@ -91,25 +91,22 @@ int runDecide(OrxCliArguments& arguments) {
 
 }  // namespace
 
-const OrxCliCommand& orxCliDecideCommand() {
-  static constexpr OrxCliCommand command{
-      "decide", "authz|sync|cinema FACT... [--artifacts DIR]", "take one policy decision and print it as JSON",
-      "Builds a policy runtime over DIR (default: the bundled artifacts, as for status), takes one\n"
-      "decision with the facts given as 32-bit integers in this order, and prints the decision as JSON,\n"
-      "enumeration cases by name. A module that did not load gives the fail-safe decision.\n"
-      "\n"
-      "  authz   role command grantFlags tokenAgeMilliseconds tokenTTLMilliseconds rateUsed rateLimit\n"
-      "          controlMode\n"
-      "          -> {\"isAllowed\":...,\"reason\":...,\"policyVersion\":...}\n"
-      "  sync    driftMilliseconds roundTripMilliseconds jitterMilliseconds bufferAheadMilliseconds\n"
-      "          rateX100 stallCount syncAgeMilliseconds toleranceMilliseconds\n"
-      "          -> {\"action\":...,\"rateX1000\":...,\"correctionMilliseconds\":...,\"reason\":...}\n"
-      "  cinema  sourceFPSX100 targetFPSX100 sourceReservoirMilliseconds headroom thermalState\n"
-      "          memoryPressure bridgeTenthsMilliseconds temporalTenthsMilliseconds\n"
-      "          interpolationTenthsMilliseconds metalFXTenthsMilliseconds finalDetailTenthsMilliseconds\n"
-      "          modelTenthsMilliseconds modelSampleCount\n"
-      "          -> {\"route\":...,\"sparseAnchorIntervalFrames\":...,\"safeBudgetTenthsMilliseconds\":...,\n"
-      "              \"reason\":...}\n",
-      runDecide};
-  return command;
-}
+constinit const OrxCliCommand kOrxCliDecideCommand{
+    "decide", "authz|sync|cinema FACT... [--artifacts DIR]", "take one policy decision and print it as JSON",
+    "Builds a policy runtime over DIR (default: the bundled artifacts, as for status), takes one\n"
+    "decision with the facts given as 32-bit integers in this order, and prints the decision as JSON,\n"
+    "enumeration cases by name. A module that did not load gives the fail-safe decision.\n"
+    "\n"
+    "  authz   role command grantFlags tokenAgeMilliseconds tokenTTLMilliseconds rateUsed rateLimit\n"
+    "          controlMode\n"
+    "          -> {\"isAllowed\":...,\"reason\":...,\"policyVersion\":...}\n"
+    "  sync    driftMilliseconds roundTripMilliseconds jitterMilliseconds bufferAheadMilliseconds\n"
+    "          rateX100 stallCount syncAgeMilliseconds toleranceMilliseconds\n"
+    "          -> {\"action\":...,\"rateX1000\":...,\"correctionMilliseconds\":...,\"reason\":...}\n"
+    "  cinema  sourceFPSX100 targetFPSX100 sourceReservoirMilliseconds headroom thermalState\n"
+    "          memoryPressure bridgeTenthsMilliseconds temporalTenthsMilliseconds\n"
+    "          interpolationTenthsMilliseconds metalFXTenthsMilliseconds finalDetailTenthsMilliseconds\n"
+    "          modelTenthsMilliseconds modelSampleCount\n"
+    "          -> {\"route\":...,\"sparseAnchorIntervalFrames\":...,\"safeBudgetTenthsMilliseconds\":...,\n"
+    "              \"reason\":...}\n",
+    runDecide};

@@ -30,14 +30,11 @@ int runDigest(OrxCliArguments& arguments) {
 
 }  // namespace
 
-const OrxCliCommand& orxCliDigestCommand() {
-  static constexpr OrxCliCommand command{
-      "digest", "TAG [FILE] | --raw [FILE]", "print the domain digest of canonical ORX JSON, or of raw bytes",
-      "With TAG, parses the document as canonical ORX JSON and prints \"sha256:\" and the SHA-256, in\n"
-      "lowercase hex, of TAG, one zero byte and the value's canonical bytes. TAG is one of\n"
-      "ORX_CANONICAL_TYPED_INPUT_V1, ORX_GRANT_SET_V1, ORX_DECISION_INTENT_V1, ORX_PACKAGE_IDENTITY_V1,\n"
-      "ORX_POLICY_ARTIFACT_V1, ORX_VERIFIED_ARTIFACT_V1, ORX_DECISION_EVIDENCE_V1, ORX_EFFECT_RECEIPT_V1.\n"
-      "With --raw, prints the plain digest of the document's bytes as they are.\n",
-      runDigest};
-  return command;
-}
+constinit const OrxCliCommand kOrxCliDigestCommand{
+    "digest", "TAG [FILE] | --raw [FILE]", "print the domain digest of canonical ORX JSON, or of raw bytes",
+    "With TAG, parses the document as canonical ORX JSON and prints \"sha256:\" and the SHA-256, in\n"
+    "lowercase hex, of TAG, one zero byte and the value's canonical bytes. TAG is one of\n"
+    "ORX_CANONICAL_TYPED_INPUT_V1, ORX_GRANT_SET_V1, ORX_DECISION_INTENT_V1, ORX_PACKAGE_IDENTITY_V1,\n"
+    "ORX_POLICY_ARTIFACT_V1, ORX_VERIFIED_ARTIFACT_V1, ORX_DECISION_EVIDENCE_V1, ORX_EFFECT_RECEIPT_V1.\n"
+    "With --raw, prints the plain digest of the document's bytes as they are.\n",
+    runDigest};

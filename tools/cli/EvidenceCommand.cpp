@@ -23,12 +23,9 @@ int runEvidence(OrxCliArguments& arguments) {
 
 }  // namespace
 
-const OrxCliCommand& orxCliEvidenceCommand() {
-  static constexpr OrxCliCommand command{
-      "evidence", "[FILE]", "read decision evidence bytes strictly and print what they record",
-      "Accepts the document only when it is exactly the canonical bytes of a valid decision evidence\n"
-      "record (no trailing newline), and prints its digest, decision outcome and trust level as JSON:\n"
-      "{\"digest\":\"sha256:...\",\"decisionOutcome\":\"allow\",\"trustLevel\":\"schemaOnly\"}\n",
-      runEvidence};
-  return command;
-}
+constinit const OrxCliCommand kOrxCliEvidenceCommand{
+    "evidence", "[FILE]", "read decision evidence bytes strictly and print what they record",
+    "Accepts the document only when it is exactly the canonical bytes of a valid decision evidence\n"
+    "record (no trailing newline), and prints its digest, decision outcome and trust level as JSON:\n"
+    "{\"digest\":\"sha256:...\",\"decisionOutcome\":\"allow\",\"trustLevel\":\"schemaOnly\"}\n",
+    runEvidence};

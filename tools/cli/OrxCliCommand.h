@@ -15,11 +15,11 @@ struct OrxCliCommand {
   int (*run)(OrxCliArguments& arguments);
 };
 
-const OrxCliCommand& orxCliCanonCommand();
-const OrxCliCommand& orxCliDigestCommand();
-const OrxCliCommand& orxCliEvidenceCommand();
-const OrxCliCommand& orxCliStatusCommand();
-const OrxCliCommand& orxCliDecideCommand();
-const OrxCliCommand& orxCliResolveCommand();
-const OrxCliCommand& orxCliShortlistCommand();
-const OrxCliCommand& orxCliScenarioCommand();
+extern const OrxCliCommand kOrxCliCanonCommand;
+extern const OrxCliCommand kOrxCliDigestCommand;
+extern const OrxCliCommand kOrxCliEvidenceCommand;
+extern const OrxCliCommand kOrxCliStatusCommand;
+extern const OrxCliCommand kOrxCliDecideCommand;
+extern const OrxCliCommand kOrxCliResolveCommand;
+extern const OrxCliCommand kOrxCliShortlistCommand;
+extern const OrxCliCommand kOrxCliScenarioCommand;

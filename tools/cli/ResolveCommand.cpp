@@ -40,14 +40,11 @@ int runResolve(OrxCliArguments& arguments) {
 
 }  // namespace
 
-const OrxCliCommand& orxCliResolveCommand() {
-  static constexpr OrxCliCommand command{
-      "resolve", "TEXT", "resolve an utterance against the built-in actions and route it as voice",
-      "Prints how the built-in actions resolve TEXT and where the voice fast path sends it, as JSON:\n"
-      "  resolution: {\"kind\":\"exact\",\"actionID\":...,\"arguments\":{...}}, {\"kind\":\"choices\",\n"
-      "              \"actionIDs\":[...]} or {\"kind\":\"none\"}\n"
-      "  voiceRoute: {\"kind\":\"action\",\"actionID\":...,\"arguments\":{...}} or {\"kind\":\"aiDrafting\"}\n"
-      "Quote a TEXT of several words.\n",
-      runResolve};
-  return command;
-}
+constinit const OrxCliCommand kOrxCliResolveCommand{
+    "resolve", "TEXT", "resolve an utterance against the built-in actions and route it as voice",
+    "Prints how the built-in actions resolve TEXT and where the voice fast path sends it, as JSON:\n"
+    "  resolution: {\"kind\":\"exact\",\"actionID\":...,\"arguments\":{...}}, {\"kind\":\"choices\",\n"
+    "              \"actionIDs\":[...]} or {\"kind\":\"none\"}\n"
+    "  voiceRoute: {\"kind\":\"action\",\"actionID\":...,\"arguments\":{...}} or {\"kind\":\"aiDrafting\"}\n"
+    "Quote a TEXT of several words.\n",
+    runResolve};

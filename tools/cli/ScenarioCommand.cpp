@@ -50,14 +50,11 @@ int runScenario(OrxCliArguments& arguments) {
 
 }  // namespace
 
-const OrxCliCommand& orxCliScenarioCommand() {
-  static constexpr OrxCliCommand command{
-      "scenario", "validate [FILE] | digest [FILE] | diff FROM TO", "validate, digest or compare scenarios",
-      "validate  reads a scenario draft as JSON and prints its validation issues against the built-in\n"
-      "          node catalog as a JSON array of texts, empty when the draft is valid.\n"
-      "digest    reads a scenario graph as JSON and prints its 64-hex-digit graph digest.\n"
-      "diff      reads two scenario revisions as JSON, the older FROM and the newer TO, and prints\n"
-      "          what changed as JSON.\n",
-      runScenario};
-  return command;
-}
+constinit const OrxCliCommand kOrxCliScenarioCommand{
+    "scenario", "validate [FILE] | digest [FILE] | diff FROM TO", "validate, digest or compare scenarios",
+    "validate  reads a scenario draft as JSON and prints its validation issues against the built-in\n"
+    "          node catalog as a JSON array of texts, empty when the draft is valid.\n"
+    "digest    reads a scenario graph as JSON and prints its 64-hex-digit graph digest.\n"
+    "diff      reads two scenario revisions as JSON, the older FROM and the newer TO, and prints\n"
+    "          what changed as JSON.\n",
+    runScenario};

@@ -20,11 +20,8 @@ int runShortlist(OrxCliArguments& arguments) {
 
 }  // namespace
 
-const OrxCliCommand& orxCliShortlistCommand() {
-  static constexpr OrxCliCommand command{
-      "shortlist", "TEXT [--limit N]", "rank the built-in actions against a text",
-      "Prints the ids of at most N (1 to 24, default 24) built-in actions ranked against TEXT, best first,\n"
-      "as a JSON array. Actions that do not match at all fill the list after those that do.\n",
-      runShortlist};
-  return command;
-}
+constinit const OrxCliCommand kOrxCliShortlistCommand{
+    "shortlist", "TEXT [--limit N]", "rank the built-in actions against a text",
+    "Prints the ids of at most N (1 to 24, default 24) built-in actions ranked against TEXT, best first,\n"
+    "as a JSON array. Actions that do not match at all fill the list after those that do.\n",
+    runShortlist};

@@ -21,12 +21,9 @@ int runStatus(OrxCliArguments& arguments) {
 
 }  // namespace
 
-const OrxCliCommand& orxCliStatusCommand() {
-  static constexpr OrxCliCommand command{
-      "status", "[DIR]", "load the policy artifacts and print the runtime's status",
-      "Builds a policy runtime over the artifacts in DIR (without DIR: \"artifacts\" under the current\n"
-      "directory, then the bundled location) and prints its status text. When the artifacts were\n"
-      "refused in whole or in part, prints the load error on a second line and exits with status 1.\n",
-      runStatus};
-  return command;
-}
+constinit const OrxCliCommand kOrxCliStatusCommand{
+    "status", "[DIR]", "load the policy artifacts and print the runtime's status",
+    "Builds a policy runtime over the artifacts in DIR (without DIR: \"artifacts\" under the current\n"
+    "directory, then the bundled location) and prints its status text. When the artifacts were\n"
+    "refused in whole or in part, prints the load error on a second line and exits with status 1.\n",
+    runStatus};

@@ -17,16 +17,13 @@ namespace {
 constexpr int kRefusedInput = 1;
 constexpr int kUsageMistake = 2;
 
-const std::array<const OrxCliCommand*, 8>& commands() {
-  static const std::array<const OrxCliCommand*, 8> all{
-      &orxCliCanonCommand(),  &orxCliDigestCommand(),  &orxCliEvidenceCommand(),  &orxCliStatusCommand(),
-      &orxCliDecideCommand(), &orxCliResolveCommand(), &orxCliShortlistCommand(), &orxCliScenarioCommand()};
-  return all;
-}
+constexpr std::array kCommands{&kOrxCliCanonCommand,     &kOrxCliDigestCommand,  &kOrxCliEvidenceCommand,
+                               &kOrxCliStatusCommand,    &kOrxCliDecideCommand,  &kOrxCliResolveCommand,
+                               &kOrxCliShortlistCommand, &kOrxCliScenarioCommand};
 
 std::string toolHelp() {
   std::string help = "usage: ravo-orx COMMAND [ARGUMENTS]\n\ncommands:\n";
-  for (const auto* command : commands()) {
+  for (const auto* command : kCommands) {
     std::string name(command->name);
     help += "  " + name + std::string(12 - name.size(), ' ') + std::string(command->summary) + "\n";
   }
@@ -85,9 +82,9 @@ int main(int argc, char** argv) {
     orxCliPrint(toolHelp());
     return 0;
   }
-  const auto command = std::find_if(commands().begin(), commands().end(),
+  const auto command = std::find_if(kCommands.begin(), kCommands.end(),
                                     [&](const OrxCliCommand* candidate) { return candidate->name == words.front(); });
-  if (command == commands().end()) return usageMistake("", "unknown command \"" + words.front() + "\"");
+  if (command == kCommands.end()) return usageMistake("", "unknown command \"" + words.front() + "\"");
   OrxCliArguments arguments(std::vector<std::string>(words.begin() + 1, words.end()));
   return run(**command, arguments);
 }
