@@ -67,6 +67,12 @@ class BoundsCollector : public wabt::BinaryReaderNop {
     current_ = nullptr;
     return Result::Ok;
   }
+  // Every declared local is zeroed on each call, so locals cost work (and interpreter stack) like
+  // instructions do; a function declaring billions of them would exhaust memory when called.
+  Result OnLocalDecl(Index, Index count, wabt::Type) override {
+    if (current_) current_->instructions += count;
+    return Result::Ok;
+  }
   Result OnOpcode(wabt::Opcode) override {
     if (current_) ++current_->instructions;  // init expressions outside bodies run once, at instantiation
     return Result::Ok;

@@ -7,8 +7,9 @@
 //
 // Without loops every branch goes forward, so each instruction of a function body runs at most once
 // per activation; a function's worst case is its own instruction count plus the worst case of every
-// call site's callee, summed over the (acyclic) call graph. Bulk memory operations count as one
-// instruction: their work is bounded by the memory cap.
+// call site's callee, summed over the (acyclic) call graph. Each declared local counts as one
+// instruction (it is zeroed on every call). Bulk memory operations count as one instruction: their work
+// is bounded by the memory cap.
 
 #include <cstddef>
 #include <cstdint>

@@ -24,6 +24,7 @@
 
 #include "runtime/OrxModuleInstance.h"
 #include "runtime/engine/OrxBoundedExecutionVerifier.h"
+#include "runtime/engine/OrxDeclaredCountCheck.h"
 #include "runtime/engine/ScriptNumberConversion.h"
 
 namespace {
@@ -42,6 +43,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
     wabt::Errors errors;
     ModuleDesc desc;
     wabt::ReadBinaryOptions options(store_.features(), nullptr, false, true, false);
+    if (auto implausible = findImplausibleDataCount(bytes, size)) return fail(failure, "CompileError: " + *implausible);
     if (wabt::Failed(ReadBinaryInterp("module", bytes, size, options, &errors, &desc))) {
       return fail(failure, "CompileError: " + trimmed(wabt::FormatErrorsToString(errors, wabt::Location::Type::Binary)));
     }

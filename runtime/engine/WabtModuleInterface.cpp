@@ -3,6 +3,7 @@
 #include <wabt/interp/interp.h>
 
 #include "runtime/OrxModuleInstance.h"
+#include "runtime/engine/OrxDeclaredCountCheck.h"
 
 namespace {
 
@@ -26,6 +27,7 @@ std::string describe(const std::string& name, const ExternType& type) {
 }  // namespace
 
 std::optional<OrxModuleInterface> describeModuleInterface(const std::uint8_t* bytes, std::size_t size) {
+  if (findImplausibleDataCount(bytes, size)) return std::nullopt;
   wabt::Errors errors;
   ModuleDesc desc;
   wabt::Features features;

@@ -80,6 +80,15 @@ TEST(OrxModuleHost, RefusesModulesThatCannotBeProvenSafeOrDoNotFitTheContract) {
        unbounded + "its memory may reach 17 pages (limit 16)"},
       {"exponential call tree", assembleWat(module(doubling + R"wat((func (export "decide") (result i32) (call $f0)))wat")),
        unbounded + "a call may run more than 1000000 instructions"},
+      // Both were found by fuzzing: wabt would allocate for the declared sizes and exhaust memory.
+      {"data count far beyond the module's size",
+       {0x00, 0x61, 0x73, 0x6D, 0x01, 0x00, 0x00, 0x00, 0x0C, 0x05, 0xFF, 0xFF, 0xFF, 0xFF, 0x0F},
+       refused + "CompileError: data count 4294967295 exceeds what a module of 15 bytes can hold"},
+      {"billions of declared locals",  // decide(i32 x 8) -> i32 declaring 0xFFFFFFF0 i32 locals
+       {0x00, 0x61, 0x73, 0x6D, 0x01, 0x00, 0x00, 0x00, 0x01, 0x0D, 0x01, 0x60, 0x08, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F,
+        0x7F, 0x7F, 0x7F, 0x01, 0x7F, 0x03, 0x02, 0x01, 0x00, 0x07, 0x0A, 0x01, 0x06, 0x64, 0x65, 0x63, 0x69, 0x64,
+        0x65, 0x00, 0x00, 0x0A, 0x0C, 0x01, 0x0A, 0x01, 0xF0, 0xFF, 0xFF, 0xFF, 0x0F, 0x7F, 0x41, 0x00, 0x0B},
+       unbounded + "a call may run more than 1000000 instructions"},
       {"data segment out of bounds",
        assembleWat(module(R"wat((memory 1 1) (data (i32.const 65535) "ab") (func (export "decide") (result i32) (i32.const 0)))wat")),
        refused + "RuntimeError: "},
