@@ -14,7 +14,7 @@ int runCanon(OrxCliArguments& arguments) {
 
 constinit const OrxCliCommand kOrxCliCanonCommand{
     "canon", "[FILE]", "print the canonical text of canonical ORX JSON",
-    "Parses the document strictly as canonical ORX JSON (strings, booleans, 64-bit integers, arrays\n"
-    "and objects with unique keys; whitespace, escapes and key order as written) and prints it with no\n"
-    "whitespace, keys sorted and minimal escapes.\n",
+    "Parses the document strictly as canonical ORX JSON (strings, booleans, 64-bit integers, arrays and\n"
+    "objects with unique keys, in any spacing, escapes and key order) and prints its canonical text: no\n"
+    "whitespace, keys sorted, minimal escapes.\n",
     runCanon};

@@ -16,6 +16,7 @@ namespace {
 
 constexpr int kRefusedInput = 1;
 constexpr int kUsageMistake = 2;
+constexpr std::string_view kExitStatuses = "Exit status: 0 success, 1 refused input, 2 usage mistake.";
 
 constexpr std::array kCommands{&kOrxCliCanonCommand,     &kOrxCliDigestCommand,  &kOrxCliEvidenceCommand,
                                &kOrxCliStatusCommand,    &kOrxCliDecideCommand,  &kOrxCliResolveCommand,
@@ -24,19 +25,19 @@ constexpr std::array kCommands{&kOrxCliCanonCommand,     &kOrxCliDigestCommand, 
 std::string toolHelp() {
   std::string help = "usage: ravo-orx COMMAND [ARGUMENTS]\n\ncommands:\n";
   for (const auto* command : kCommands) {
-    std::string name(command->name);
-    help += "  " + name + std::string(12 - name.size(), ' ') + std::string(command->summary) + "\n";
+    std::string line = "  " + std::string(command->name);
+    line.resize(std::max<std::size_t>(14, line.size() + 1), ' ');
+    help += line + std::string(command->summary) + "\n";
   }
-  help +=
-      "\nDocuments are read from standard input unless a FILE is named. Results go to standard output,\n"
-      "errors to standard error as one line. Exit status: 0 success, 1 refused input, 2 usage mistake.\n"
-      "'ravo-orx COMMAND --help' describes one command.";
-  return help;
+  return help +
+         "\nDocuments are read from standard input unless a FILE is named. Results go to standard output,\n"
+         "errors to standard error as one line. " +
+         std::string(kExitStatuses) + "\n'ravo-orx COMMAND --help' describes one command.";
 }
 
 std::string commandHelp(const OrxCliCommand& command) {
   return "usage: ravo-orx " + std::string(command.name) + " " + std::string(command.synopsis) + "\n\n" +
-         std::string(command.details) + "\n" + "Exit status: 0 success, 1 refused input, 2 usage mistake.";
+         std::string(command.details) + "\n" + std::string(kExitStatuses);
 }
 
 // Error texts are printed as the system wrote them, folded onto one line.
@@ -46,14 +47,13 @@ void printError(std::string text) {
   std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-int usageMistake(std::string_view where, std::string_view message) {
-  printError("ravo-orx" + std::string(where) + ": " + std::string(message) + " (see 'ravo-orx" + std::string(where) +
-             " --help')");
+// `program` is "ravo-orx" or "ravo-orx COMMAND", whichever has the help that answers the mistake.
+int usageMistake(const std::string& program, std::string_view message) {
+  printError(program + ": " + std::string(message) + " (see '" + program + " --help')");
   return kUsageMistake;
 }
 
 int run(const OrxCliCommand& command, OrxCliArguments& arguments) {
-  const std::string where = " " + std::string(command.name);
   try {
     if (arguments.flag("--help")) {
       orxCliPrint(commandHelp(command));
@@ -61,7 +61,7 @@ int run(const OrxCliCommand& command, OrxCliArguments& arguments) {
     }
     return command.run(arguments);
   } catch (const OrxCliUsageError& error) {
-    return usageMistake(where, error.what());
+    return usageMistake("ravo-orx " + std::string(command.name), error.what());
   } catch (const std::exception& error) {
     printError(error.what());
     return kRefusedInput;
@@ -77,14 +77,14 @@ int main(int argc, char** argv) {
   setOrxLogSink([](OrxLogLevel, std::string_view) {});
 
   std::vector<std::string> words(argv + 1, argv + argc);
-  if (words.empty()) return usageMistake("", "missing COMMAND");
+  if (words.empty()) return usageMistake("ravo-orx", "missing COMMAND");
   if (words.front() == "--help") {
     orxCliPrint(toolHelp());
     return 0;
   }
   const auto command = std::find_if(kCommands.begin(), kCommands.end(),
                                     [&](const OrxCliCommand* candidate) { return candidate->name == words.front(); });
-  if (command == kCommands.end()) return usageMistake("", "unknown command \"" + words.front() + "\"");
+  if (command == kCommands.end()) return usageMistake("ravo-orx", "unknown command \"" + words.front() + "\"");
   OrxCliArguments arguments(std::vector<std::string>(words.begin() + 1, words.end()));
   return run(**command, arguments);
 }
