@@ -55,12 +55,6 @@ std::optional<std::string> OrxCliArguments::nextIfAny() {
   return std::nullopt;
 }
 
-std::size_t OrxCliArguments::remaining() const {
-  std::size_t count = 0;
-  for (std::size_t index = 0; index < words_.size(); ++index) count += isOption(index) ? 0 : 1;
-  return count;
-}
-
 void OrxCliArguments::finish() const {
   for (std::size_t index = 0; index < words_.size(); ++index) {
     if (isOption(index)) throw OrxCliUsageError("unknown option " + words_[index]);

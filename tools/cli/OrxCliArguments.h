@@ -30,8 +30,6 @@ class OrxCliArguments {
   // The next positional word; throws "missing <what>" when there is none.
   std::string next(std::string_view what);
   std::optional<std::string> nextIfAny();
-  // How many positional words are left.
-  std::size_t remaining() const;
 
   // Throws for an unknown option or a positional word nobody took.
   void finish() const;
