@@ -1,11 +1,15 @@
-// JSON of any shape offered as a home snapshot, a home command, a kettle plan and a model provider
-// record: each either decodes or is refused with RavoJSONDecodingError, and what decodes validates,
-// ticks and transitions without failing and survives a round trip through its JSON form.
+// JSON of any shape offered as a home snapshot, a home command, a kettle plan, a model provider record,
+// a scenario draft and a scenario revision: each either decodes or is refused with
+// RavoJSONDecodingError, and what decodes validates, ticks, transitions and diffs without failing and
+// survives a round trip through its JSON form.
 
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
+#include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
+#include "contracts/scenarios/RavoScenarioCatalog.h"
+#include "contracts/scenarios/RavoScenarioRevisionDiffer.h"
 #include "contracts/services/RavoHomeCommandProposalValidator.h"
 #include "contracts/services/RavoHomeInventoryValidator.h"
 #include "contracts/services/RavoKettleLoopbackPlan.h"
@@ -57,6 +61,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       static_cast<void>(record->transition(RavoModelProviderState::eligible, true));
     } catch (const RavoModelProviderLifecycleError&) {
     }
+  }
+  if (const auto draft = decoded<RavoScenarioDraft>(json)) {
+    static_cast<void>(RavoScenarioCatalog::validate(*draft, RavoScenarioBuiltInCatalog::definitions()));
+  }
+  if (const auto revision = decoded<RavoScenarioRevision>(json)) {
+    const RavoScenarioRevisionDiff unchanged({.fromRevisionID = revision->id(), .toRevisionID = revision->id()});
+    if (RavoScenarioRevisionDiffer::compare(*revision, *revision) != unchanged) __builtin_trap();
   }
   return 0;
 }
