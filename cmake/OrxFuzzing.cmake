@@ -1,6 +1,6 @@
 # orx_add_fuzzer(NAME SOURCES ... LIBRARIES ... CORPUS dir)
-# A libFuzzer target (clang only, ORX_FUZZ=ON). ctest runs it for ORX_FUZZ_SECONDS on a scratch copy
-# of its committed seed corpus, so bounded runs never write into the source tree.
+# A libFuzzer target (clang only, ORX_FUZZ=ON). ctest runs it for ORX_FUZZ_SECONDS on a copy of its
+# committed seed corpus inside the build tree, so fuzzing never writes into the source tree.
 add_custom_target(orx_fuzzers)
 set(ORX_FUZZ_SECONDS 30 CACHE STRING "Seconds each fuzz target runs under ctest")
 
@@ -14,10 +14,14 @@ function(orx_add_fuzzer name)
   target_link_options(${name} PRIVATE -fsanitize=fuzzer)
   add_dependencies(orx_fuzzers ${name})
   set(work ${CMAKE_BINARY_DIR}/fuzz-work/${name})
+  # The committed seeds are copied into a working corpus that grows between runs of this build tree;
+  # reproducers go to findings/ and libFuzzer's report to fuzz.log (its last lines are shown).
   add_test(NAME ${name}
     COMMAND ${CMAKE_COMMAND} -E env ASAN_OPTIONS=detect_leaks=1
-            sh -c "rm -rf '${work}' && mkdir -p '${work}' && cp -r '${ARG_CORPUS}/.' '${work}/' && \
-                   exec '$<TARGET_FILE:${name}>' -max_total_time=${ORX_FUZZ_SECONDS} -print_final_stats=1 \
-                   -rss_limit_mb=4096 '${work}'")
-  set_tests_properties(${name} PROPERTIES LABELS fuzz TIMEOUT 600)
+            sh -c "mkdir -p '${work}/corpus' '${work}/findings' && cp -r '${ARG_CORPUS}/.' '${work}/corpus/' && \
+                   '$<TARGET_FILE:${name}>' -max_total_time=${ORX_FUZZ_SECONDS} -print_final_stats=1 \
+                   -rss_limit_mb=4096 -artifact_prefix='${work}/findings/' '${work}/corpus' \
+                   >'${work}/fuzz.log' 2>&1; status=$?; tail -n 30 '${work}/fuzz.log'; exit $status")
+  math(EXPR timeout "${ORX_FUZZ_SECONDS} + 300")
+  set_tests_properties(${name} PROPERTIES LABELS fuzz TIMEOUT ${timeout})
 endfunction()
