@@ -75,12 +75,3 @@ std::string RavoJSONObjectReader::context(std::string_view key) const {
   text += key;
   return text;
 }
-
-RavoJSON parseRavoJSON(std::string_view text) {
-  try {
-    return RavoJSON::parse(text);
-  } catch (const RavoJSON::exception& error) {
-    // Syntax errors and numbers too large for a double ("1e400") alike.
-    throw RavoJSONDecodingError(std::string("malformed JSON: ") + error.what());
-  }
-}

@@ -10,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <map>
@@ -225,5 +226,10 @@ class RavoJSONObjectWriter {
   RavoJSON json_ = RavoJSON::object();
 };
 
-// Parses text as JSON, turning a syntax error into RavoJSONDecodingError.
+// Arrays and objects in parsed text nest at most this deep; no record comes near it, and the bound
+// keeps the recursive operations on a document (copy, comparison, dump) off the end of the stack.
+inline constexpr std::size_t ravoJSONMaximumDepth = 512;
+
+// Parses text as JSON in time linear in its length, turning a syntax error or nesting deeper than
+// ravoJSONMaximumDepth into RavoJSONDecodingError ("malformed JSON: ...").
 RavoJSON parseRavoJSON(std::string_view text);

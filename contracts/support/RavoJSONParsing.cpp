@@ -1,0 +1,134 @@
+// parseRavoJSON: the one reader of JSON text for the application records. Its texts come from models
+// and services, so it builds the document itself rather than through nlohmann's own builder, which
+// is unsafe on such input in two ways: nesting is unbounded (and copying, comparing or printing a
+// deep document recurses once per level), and an ordered object searches all its members on every
+// insertion, so an object of n members costs n² to read.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "contracts/support/RavoJSON.h"
+
+namespace {
+
+// Below this many members a linear search for a repeated key beats building a hash index.
+constexpr std::size_t kIndexedObjectSize = 16;
+// Room for nlohmann's message and the start of the token it quotes.
+constexpr std::size_t kMaximumErrorBytes = 256;
+
+// nlohmann quotes the whole token it failed in, which for an unterminated string is the rest of the
+// text: the error would echo megabytes of hostile input into logs. Cut at a UTF-8 character boundary.
+std::string shortened(std::string_view message) {
+  if (message.size() <= kMaximumErrorBytes) return std::string(message);
+  std::size_t end = kMaximumErrorBytes;
+  while (end > 0 && (static_cast<unsigned char>(message[end]) & 0xC0) == 0x80) --end;
+  return std::string(message.substr(0, end)) + "\u2026";
+}
+
+// The SAX handler that nlohmann's parser drives. A repeated key keeps its first position and takes
+// its last value, as nlohmann's own builder does.
+class DocumentBuilder {
+ public:
+  bool null() { return place(nullptr); }
+  bool boolean(bool value) { return place(value); }
+  bool number_integer(RavoJSON::number_integer_t value) { return place(value); }
+  bool number_unsigned(RavoJSON::number_unsigned_t value) { return place(value); }
+  bool number_float(RavoJSON::number_float_t value, const RavoJSON::string_t&) { return place(value); }
+  bool string(RavoJSON::string_t& value) { return place(std::move(value)); }
+  bool binary(RavoJSON::binary_t& value) { return place(RavoJSON::binary(std::move(value))); }
+
+  bool start_object(std::size_t) { return open(RavoJSON::object()); }
+  bool key(RavoJSON::string_t& key) {
+    key_ = std::move(key);
+    return true;
+  }
+  bool end_object() { return close(); }
+  bool start_array(std::size_t) { return open(RavoJSON::array()); }
+  bool end_array() { return close(); }
+
+  bool parse_error(std::size_t, const std::string&, const RavoJSON::exception& error) {
+    // Syntax errors and numbers too large for a double ("1e400") alike.
+    throw RavoJSONDecodingError("malformed JSON: " + shortened(error.what()));
+  }
+
+  RavoJSON take() { return std::move(root_); }
+
+ private:
+  struct OpenContainer {
+    RavoJSON* value;
+    std::unordered_map<std::string, std::size_t> memberPositions;  // built once the object is large
+  };
+
+  bool open(RavoJSON container) {
+    if (open_.size() == ravoJSONMaximumDepth) {
+      throw RavoJSONDecodingError("malformed JSON: nesting is deeper than " + std::to_string(ravoJSONMaximumDepth) +
+                                  " levels");
+    }
+    open_.push_back({slot(std::move(container)), {}});
+    return true;
+  }
+
+  bool close() {
+    open_.pop_back();
+    return true;
+  }
+
+  bool place(RavoJSON value) {
+    slot(std::move(value));
+    return true;
+  }
+
+  // Stores a value where the document expects the next one and returns where it now lives. Only the
+  // innermost open container grows, so the addresses of the open containers stay valid.
+  RavoJSON* slot(RavoJSON value) {
+    if (open_.empty()) {
+      root_ = std::move(value);
+      return &root_;
+    }
+    OpenContainer& container = open_.back();
+    if (container.value->is_array()) {
+      auto& elements = container.value->get_ref<RavoJSON::array_t&>();
+      elements.push_back(std::move(value));
+      return &elements.back();
+    }
+    auto& members = container.value->get_ref<RavoJSON::object_t&>();
+    const std::size_t position = memberPosition(container, members);
+    if (position < members.size()) {
+      members.begin()[position].second = std::move(value);
+    } else {
+      members.emplace_back(std::move(key_), std::move(value));
+    }
+    return &members.begin()[position].second;
+  }
+
+  // Where key_ already is among the members, or members.size() when it is new.
+  std::size_t memberPosition(OpenContainer& container, const RavoJSON::object_t& members) const {
+    if (members.size() < kIndexedObjectSize) {
+      for (std::size_t i = 0; i < members.size(); ++i) {
+        if (members.begin()[i].first == key_) return i;
+      }
+      return members.size();
+    }
+    auto& positions = container.memberPositions;
+    if (positions.empty()) {
+      for (std::size_t i = 0; i < members.size(); ++i) positions.emplace(members.begin()[i].first, i);
+    }
+    return positions.try_emplace(key_, members.size()).first->second;
+  }
+
+  RavoJSON root_;
+  std::vector<OpenContainer> open_;
+  RavoJSON::string_t key_;
+};
+
+}  // namespace
+
+RavoJSON parseRavoJSON(std::string_view text) {
+  DocumentBuilder builder;
+  RavoJSON::sax_parse(text, &builder);
+  return builder.take();
+}
