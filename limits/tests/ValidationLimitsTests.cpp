@@ -1,0 +1,84 @@
+// Validators given far more than they allow report the one size issue, whether the oversized record
+// was built in memory or arrived as JSON from a model or a provider.
+
+#include <gtest/gtest.h>
+
+#include "contracts/scenarios/RavoScenarioCatalog.h"
+#include "contracts/services/RavoHomeInventoryValidator.h"
+#include "contracts/services/RavoJSONScenarioDraftProposer.h"
+#include "contracts/services/tests/RavoScenarioDraftingTestSupport.h"
+
+namespace {
+
+constexpr int kHundredThousand = 100'000;
+
+RavoUUID numberedUUID(std::uint32_t n) {
+  RavoUUID::Bytes bytes{};
+  for (int i = 0; i < 4; ++i) bytes[15 - i] = static_cast<std::uint8_t>(n >> (8 * i));
+  return RavoUUID(bytes);
+}
+
+RavoScenarioGraph manualTriggers(int count) {
+  std::vector<RavoScenarioNodeInstance> nodes;
+  nodes.reserve(count);
+  for (int i = 0; i < count; ++i) {
+    nodes.emplace_back(numberedUUID(i), RavoScenarioNodeTypeID("ravo.trigger.manual"), "1.0.0",
+                       std::vector<std::string>{});
+  }
+  return {std::move(nodes), {}, {}};
+}
+
+RavoHomeInventorySnapshot lights(int count) {
+  std::vector<RavoHomeInventoryDevice> devices;
+  devices.reserve(count);
+  for (int i = 0; i < count; ++i) {
+    devices.emplace_back("light." + std::to_string(i), RavoHomeInventoryDeviceKind::light, "Lamp", std::nullopt,
+                         std::vector{RavoHomeInventoryCapability::power}, true);
+  }
+  return {RavoHomeProviderID("home.local"), RavoTimePoint{}, std::move(devices)};
+}
+
+TEST(ValidationLimits, OversizedGraphsAndInventoriesYieldOnlyTheirSizeIssue) {
+  using ScenarioIssue = RavoScenarioValidationIssue;
+  using HomeIssue = RavoHomeInventoryValidationIssue;
+  const auto& catalog = RavoScenarioBuiltInCatalog::definitions();
+  struct ScenarioCase {
+    int nodes;
+    std::vector<ScenarioIssue> expected;
+  };
+  for (const auto& c : {ScenarioCase{kHundredThousand, {ScenarioIssue::graphTooLarge(kHundredThousand, 256)}},
+                        ScenarioCase{257, {ScenarioIssue::graphTooLarge(257, 256)}}, ScenarioCase{256, {}}}) {
+    const RavoScenarioDraft draft(numberedUUID(0), "Many buttons", manualTriggers(c.nodes),
+                                  RavoScenarioActivationRequest::notRequested, RavoScenarioLifecycle::draft);
+    EXPECT_EQ(RavoScenarioCatalog::validate(draft, catalog), c.expected) << c.nodes << " nodes";
+  }
+
+  struct HomeCase {
+    int devices;
+    std::vector<HomeIssue> expected;
+  };
+  for (const auto& c : {HomeCase{kHundredThousand, {HomeIssue::tooManyDevices(kHundredThousand, 512)}},
+                        HomeCase{513, {HomeIssue::tooManyDevices(513, 512)}}, HomeCase{512, {}}}) {
+    const auto snapshot = lights(c.devices);
+    EXPECT_EQ(RavoHomeInventoryValidator::validate(snapshot), c.expected) << c.devices << " devices";
+    // The same inventory as a provider would send it.
+    const auto decoded = RavoHomeInventorySnapshot::fromJSON(parseRavoJSON(snapshot.toJSON().dump()));
+    EXPECT_EQ(RavoHomeInventoryValidator::validate(decoded), c.expected) << c.devices << " devices, decoded";
+  }
+}
+
+TEST(ValidationLimits, ADraftingAnswerOfAHundredThousandNodesIsRefusedAsTooLarge) {
+  const std::string answer = RavoJSONObjectWriter()
+                                 .add("title", std::string("Many buttons"))
+                                 .add("graph", manualTriggers(kHundredThousand))
+                                 .take()
+                                 .dump();
+  auto service = drafting_test::builtInService();
+  RavoJSONScenarioDraftProposer proposer([&](const std::string&) { return answer; });
+  const auto outcome = service.draft("add a button", false,
+                                     drafting_test::eligible(RavoModelProviderDescriptor::appleFoundationModels()), proposer);
+  EXPECT_EQ(outcome, RavoScenarioDraftingOutcome::rejected(RavoScenarioDraftingRejection::invalidDraft(
+                         {RavoScenarioValidationIssue::graphTooLarge(kHundredThousand, 256)})));
+}
+
+}  // namespace
