@@ -72,8 +72,8 @@ TEST(JSONReaderLimits, EveryReaderRefusesHostileDocumentsWithItsOwnText) {
   const std::string notJSON = "malformed JSON: [json.exception.parse_error.101] parse error at line 1, column 1: syntax "
                               "error while parsing value - invalid literal; last read: '\xFF'";
   const std::vector<Case> cases = {
-      {"100 MB string", documentWithLongString(kHundredMegabytes),
-       {"accepted", kNoField, "RavoHomeInventorySnapshot.providerID: missing key", pixmorTooLarge(kHundredMegabytes),
+      {"largest document", documentWithLongString(kLargeDocumentBytes),
+       {"accepted", kNoField, "RavoHomeInventorySnapshot.providerID: missing key", pixmorTooLarge(kLargeDocumentBytes),
         "model answer.title: missing key"}},
       {"unterminated string", unterminatedString(kTwoMegabytes),
        {"orx.v051.parse_invalid: unterminated string", "orx.v051.parse_invalid: unterminated string", malformedPrefix,
@@ -133,22 +133,27 @@ TEST(JSONReaderLimits, RepeatedKeysInLargeObjectsKeepTheFirstPlaceAndTheLastValu
 
 // Hostile answers reach the surfaces as the usual outcomes: Pixmor's local proposal and a failed draft.
 TEST(JSONReaderLimits, HostsTurnHostileAnswersIntoTheirUsualOutcomes) {
-  const std::vector<std::pair<const char*, std::string>> answers = {
+  struct Answer {
+    const char* name;
+    std::string text;
+  };
+  const std::vector<Answer> answers = {
       {"2 MB", documentWithLongString(2u << 20, "schema")},
       {"a million nested arrays", nestedArrays(1'000'000)},
       {"a million unclosed arrays", nestedArrays(1'000'000, false)},
   };
   const auto request = pixmor_test::makeRequest("brighten the faces");
   auto provider = drafting_test::eligible(RavoModelProviderDescriptor::appleFoundationModels());
-  for (const auto& [name, answer] : answers) {
-    PixmorORXHost host(std::make_shared<pixmor_test::ScriptedTransport>([&](const auto&) { return answer; }), 60'000);
-    EXPECT_EQ(host.propose(request).fallbackReason(), PixmorORXHost::unavailableReason) << name;
+  for (const auto& answer : answers) {
+    PixmorORXHost host(std::make_shared<pixmor_test::ScriptedTransport>([&](const auto&) { return answer.text; }),
+                       60'000);
+    EXPECT_EQ(host.propose(request).fallbackReason(), PixmorORXHost::unavailableReason) << answer.name;
 
     auto service = drafting_test::builtInService();
-    RavoJSONScenarioDraftProposer proposer([&](const std::string&) { return answer; });
+    RavoJSONScenarioDraftProposer proposer([&](const std::string&) { return answer.text; });
     EXPECT_EQ(service.draft("dim the lights", false, provider, proposer),
               RavoScenarioDraftingOutcome::rejected(RavoScenarioDraftingRejection::providerFailed()))
-        << name;
+        << answer.name;
   }
 }
 
