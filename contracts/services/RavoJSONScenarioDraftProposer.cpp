@@ -36,6 +36,10 @@ std::string RavoJSONScenarioDraftProposer::prompt(const RavoScenarioDraftingRequ
 
 RavoScenarioDraftingResponse RavoJSONScenarioDraftProposer::parseAnswer(std::string_view answer,
                                                                         const RavoScenarioDraftingRequest& request) {
+  if (answer.size() > maximumAnswerBytes) {
+    throw RavoJSONDecodingError("model answer: answer of " + std::to_string(answer.size()) +
+                                " bytes exceeds the limit of " + std::to_string(maximumAnswerBytes));
+  }
   std::string trimmed = ravoTrimmedText(answer);
   RavoJSON json = parseRavoJSON(unfenced(trimmed));
   RavoJSONObjectReader reader(json, "model answer");

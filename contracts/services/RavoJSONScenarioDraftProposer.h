@@ -17,6 +17,8 @@
 #include <string>
 #include <string_view>
 
+#include <cstddef>
+
 #include "contracts/services/RavoScenarioDraftProposer.h"
 
 class RavoJSONScenarioDraftProposer : public RavoScenarioDraftProposer {
@@ -27,8 +29,12 @@ class RavoJSONScenarioDraftProposer : public RavoScenarioDraftProposer {
 
   RavoScenarioDraftingResponse proposeDraft(const RavoScenarioDraftingRequest& request) override;
 
+  // A draft holds at most 256 nodes, which no answer needs a mebibyte to describe; a longer answer is
+  // refused unread rather than trimmed and parsed at a cost that grows with whatever the model sent.
+  static constexpr std::size_t maximumAnswerBytes = 1 << 20;
+
   static std::string prompt(const RavoScenarioDraftingRequest& request);
-  // Throws RavoJSONDecodingError for a malformed answer.
+  // Throws RavoJSONDecodingError for a malformed answer or one longer than maximumAnswerBytes.
   static RavoScenarioDraftingResponse parseAnswer(std::string_view answer, const RavoScenarioDraftingRequest& request);
 
  private:
