@@ -9,7 +9,7 @@
 #include "runtime/LoadedModule.h"
 #include "runtime/OrxLog.h"
 #include "runtime/OrxPolicyDecider.h"
-#include "runtime/RuntimeError.h"
+#include "runtime/tests/ModuleLoadError.h"
 #include "runtime/tests/WatAssembler.h"
 
 namespace {
@@ -25,14 +25,7 @@ std::vector<std::uint8_t> emittingModule(int fanOut, int leafEmits, const std::s
                      ")\n(func (export \"decide\") (result i32) " + decide + " " + ending + "))");
 }
 
-std::string loadError(const std::vector<std::uint8_t>& bytes) {
-  try {
-    LoadedModule::instantiate("flood", bytes);
-    return "";
-  } catch (const RuntimeError& error) {
-    return error.message;
-  }
-}
+std::string loadError(const std::vector<std::uint8_t>& bytes) { return moduleLoadError("flood", bytes); }
 
 // A million emit calls, as a thousand calls of a function that emits a thousand times. (One emit of a
 // million arguments is refused by the same rule: pushing the arguments alone takes a million

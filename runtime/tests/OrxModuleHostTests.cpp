@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "runtime/LoadedModule.h"
-#include "runtime/RuntimeError.h"
+#include "runtime/tests/ModuleLoadError.h"
 #include "runtime/tests/WatAssembler.h"
 
 namespace {
@@ -13,14 +13,7 @@ constexpr const char* kEmitImport = R"wat((import "output" "emit" (func $emit (p
 
 std::string module(const std::string& body) { return std::string("(module ") + kEmitImport + "\n" + body + ")"; }
 
-std::string loadError(const std::vector<std::uint8_t>& bytes) {
-  try {
-    LoadedModule::instantiate("probe", bytes);
-    return "";
-  } catch (const RuntimeError& error) {
-    return error.message;
-  }
-}
+std::string loadError(const std::vector<std::uint8_t>& bytes) { return moduleLoadError("probe", bytes); }
 
 TEST(OrxModuleHost, RefusesModulesThatCannotBeProvenSafeOrDoNotFitTheContract) {
   const std::string refused = "Could not instantiate ORX module probe: ";
