@@ -15,17 +15,14 @@
 //   decide results    none: no result; one i32 as is, f32/f64 by ToInt32, i64 its low 32 bits;
 //                     references and several results give 0 (ToInt32 of an object or array).
 
-#include <wabt/binary-reader.h>
-#include <wabt/error-formatter.h>
-#include <wabt/interp/binary-reader-interp.h>
 #include <wabt/interp/interp.h>
 
 #include <cmath>
 
 #include "runtime/OrxModuleInstance.h"
 #include "runtime/engine/OrxBoundedExecutionVerifier.h"
-#include "runtime/engine/OrxDeclaredCountCheck.h"
 #include "runtime/engine/ScriptNumberConversion.h"
+#include "runtime/engine/WabtModuleReader.h"
 
 namespace {
 
@@ -40,13 +37,8 @@ class WabtModuleInstance final : public OrxModuleInstance {
 
   // Returns false and fills `failure` when the module cannot be instantiated.
   bool instantiate(const std::uint8_t* bytes, std::size_t size, OrxInstantiationFailure& failure) {
-    wabt::Errors errors;
     ModuleDesc desc;
-    wabt::ReadBinaryOptions options(store_.features(), nullptr, false, true, false);
-    if (auto implausible = findImplausibleDataCount(bytes, size)) return fail(failure, "CompileError: " + *implausible);
-    if (wabt::Failed(ReadBinaryInterp("module", bytes, size, options, &errors, &desc))) {
-      return fail(failure, "CompileError: " + trimmed(wabt::FormatErrorsToString(errors, wabt::Location::Type::Binary)));
-    }
+    if (auto refusal = readWabtModule(bytes, size, store_.features(), desc)) return fail(failure, std::move(*refusal));
     if (auto refusal = verifyBoundedExecution(bytes, size)) {
       return fail(failure, "VerifierError: execution cannot be bounded because " + *refusal);
     }
@@ -118,11 +110,6 @@ class WabtModuleInstance final : public OrxModuleInstance {
   static bool fail(OrxInstantiationFailure& failure, std::string detail) {
     failure = {OrxInstantiationFailure::Kind::invalidModule, std::move(detail)};
     return false;
-  }
-
-  static std::string trimmed(std::string text) {
-    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
-    return text;
   }
 
   HostFunc::Ptr makeEmit(const FuncType& type) {

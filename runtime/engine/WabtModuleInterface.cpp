@@ -1,9 +1,7 @@
-#include <wabt/binary-reader.h>
-#include <wabt/interp/binary-reader-interp.h>
 #include <wabt/interp/interp.h>
 
 #include "runtime/OrxModuleInstance.h"
-#include "runtime/engine/OrxDeclaredCountCheck.h"
+#include "runtime/engine/WabtModuleReader.h"
 
 namespace {
 
@@ -27,12 +25,8 @@ std::string describe(const std::string& name, const ExternType& type) {
 }  // namespace
 
 std::optional<OrxModuleInterface> describeModuleInterface(const std::uint8_t* bytes, std::size_t size) {
-  if (findImplausibleDataCount(bytes, size)) return std::nullopt;
-  wabt::Errors errors;
   ModuleDesc desc;
-  wabt::Features features;
-  wabt::ReadBinaryOptions options(features, nullptr, false, true, false);
-  if (wabt::Failed(ReadBinaryInterp("module", bytes, size, options, &errors, &desc))) return std::nullopt;
+  if (readWabtModule(bytes, size, wabt::Features{}, desc)) return std::nullopt;
   OrxModuleInterface interface;
   for (const auto& import : desc.imports) {
     interface.imports.push_back(describe(import.type.module + "." + import.type.name, *import.type.type));

@@ -47,14 +47,18 @@ std::unique_ptr<LoadedModule> load(std::span<const std::uint8_t> bytes) {
 }
 
 bool isKnownReason(OrxAuthorizationReason reason) {
-  return orxAuthorizationReason(static_cast<std::int32_t>(reason)).has_value();
+  return orxAuthorizationReason(rawValue(reason)).has_value();
 }
 
 }  // namespace
 
+// Refusals are the expected outcome here; their log lines would only drown libFuzzer's report.
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  setOrxLogSink([](OrxLogLevel, std::string_view) {});
+  return 0;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const bool quiet = (setOrxLogSink([](OrxLogLevel, std::string_view) {}), true);
-  static_cast<void>(quiet);
   const std::span<const std::uint8_t> bytes(data, size);
   auto first = load(bytes);
   if (!first) return 0;
