@@ -30,6 +30,9 @@ class BoundsCollector : public wabt::BinaryReaderNop {
   bool growsMemory = false;
   bool growsTable = false;
 
+  // Errors end the pass and are reported by its caller; wabt would otherwise print them on stderr.
+  bool OnError(const wabt::Error&) override { return true; }
+
   Result OnImportFunc(Index, std::string_view, std::string_view, Index, Index) override {
     ++importedFunctions;
     return Result::Ok;

@@ -16,9 +16,9 @@
 #include <optional>
 #include <string>
 
+#include "runtime/engine/OrxLoadBudgets.h"
+
 inline constexpr std::uint64_t kOrxMaxInstructionsPerCall = 1'000'000;
-inline constexpr std::uint64_t kOrxMaxMemoryPages = 16;      // 1 MiB
-inline constexpr std::uint64_t kOrxMaxTableElements = 1024;
 
 // The reason the module is refused, or nothing when it is provably bounded. `bytes` must already have
 // passed the engine's own validation.

@@ -4,16 +4,20 @@
 // `output.emit` stores all its arguments and returns 0, replacing what an earlier call stored; the
 // emitted list is reset before every `decide` call; values a script would not see as numbers are
 // dropped. Because a module may declare any signature, values cross the boundary as a script host
-// would convert them:
-//   emit parameters   i32 as is; f32/f64 by ToInt32; i64 (a BigInt to a script) and references are
-//                     dropped; v128 makes the call fail with a TypeError.
-//   emit results      none; one i32/f32/f64 receives 0, one externref null; i64, funcref, v128 or
-//                     several results make the call fail with a TypeError (0 is neither a BigInt, a
-//                     function nor iterable).
-//   decide parameters i32 receives the argument (0 when missing); f32/f64 the argument as a number
-//                     (NaN when missing); externref null; i64, funcref and v128 fail with a TypeError.
-//   decide results    none: no result; one i32 as is, f32/f64 by ToInt32, i64 its low 32 bits;
-//                     references and several results give 0 (ToInt32 of an object or array).
+// would convert them (a BigInt is what a script sees for an i64, and ToInt32 of a BigInt throws):
+//
+//   | crossing          | i32   | f32, f64       | i64        | externref | funcref   | v128      | several  |
+//   |-------------------|-------|----------------|------------|-----------|-----------|-----------|----------|
+//   | emit parameter    | as is | ToInt32        | dropped    | dropped   | dropped   | TypeError | -        |
+//   | emit result       | 0     | 0              | TypeError  | null      | TypeError | TypeError | TypeError|
+//   | decide parameter  | arg   | arg (NaN when  | TypeError  | null      | TypeError | TypeError | -        |
+//   |                   | (0)   | missing)       |            |           |           |           |          |
+//   | decide result     | as is | ToInt32        | TypeError  | 0         | 0         | TypeError | 0        |
+//
+// "arg (0)": the argument, 0 when the caller passed fewer; an emit result is the 0 emit returns; a
+// decide result of a reference or of several values (an array to a script) converts to 0. A TypeError
+// fails the call like a trap; emitted values stored before it stay. No result at all (decide returns
+// nothing) is reported as no result.
 
 #include <wabt/interp/interp.h>
 
@@ -98,6 +102,8 @@ class WabtModuleInstance final : public OrxModuleInstance {
         // keeps failing would grow the store by a trap per decision for the runtime's whole life.
         trap.reset();
         store_.Collect();
+      } else if (returnsBigInt()) {
+        invocation.error = kTypeError;  // ToInt32 of a BigInt throws once the call has returned
       } else {
         invocation.result = convertResult();
       }
@@ -153,6 +159,9 @@ class WabtModuleInstance final : public OrxModuleInstance {
   }
 
   bool packArguments(const std::int32_t* arguments, std::size_t count) {
+    for (Type result : decide_->type().results) {
+      if (result == Type::V128) return false;  // a script cannot call a function with v128 in its type
+    }
     const auto& types = decide_->type().params;
     params_.resize(types.size());
     for (size_t i = 0; i < types.size(); ++i) {
@@ -169,13 +178,17 @@ class WabtModuleInstance final : public OrxModuleInstance {
     return true;
   }
 
+  bool returnsBigInt() const {
+    const auto& types = decide_->type().results;
+    return types.size() == 1 && types[0] == Type::I64;
+  }
+
   std::optional<std::int32_t> convertResult() const {
     const auto& types = decide_->type().results;
     if (types.empty()) return std::nullopt;
     if (types.size() > 1) return 0;  // several results reach a script as an array
     switch (types[0]) {
       case Type::I32: return results_[0].Get<s32>();
-      case Type::I64: return static_cast<std::int32_t>(static_cast<std::uint32_t>(results_[0].Get<u64>()));
       case Type::F32: return scriptToInt32(results_[0].Get<f32>());
       case Type::F64: return scriptToInt32(results_[0].Get<f64>());
       default: return 0;

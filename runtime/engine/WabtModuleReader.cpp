@@ -4,11 +4,11 @@
 #include <wabt/error-formatter.h>
 #include <wabt/interp/binary-reader-interp.h>
 
-#include "runtime/engine/OrxDeclaredCountCheck.h"
+#include "runtime/engine/OrxLoadBudgets.h"
 
 std::optional<std::string> readWabtModule(const std::uint8_t* bytes, std::size_t size, const wabt::Features& features,
                                           wabt::interp::ModuleDesc& desc) {
-  if (auto implausible = findImplausibleDataCount(bytes, size)) return "CompileError: " + *implausible;
+  if (auto exceeded = checkLoadBudgets(bytes, size)) return "CompileError: " + *exceeded;
   wabt::Errors errors;
   wabt::ReadBinaryOptions options(features, nullptr, false, true, false);
   if (wabt::Succeeded(wabt::interp::ReadBinaryInterp("module", bytes, size, options, &errors, &desc))) {

@@ -1,7 +1,6 @@
 #pragma once
-// The one way the engine reads module bytes into wabt's description of a module: first the check of
-// declared counts that wabt's reader would reserve memory for (OrxDeclaredCountCheck.h), then wabt's
-// own reading and validation.
+// The one way the engine reads module bytes into wabt's description of a module: first the load
+// budgets on the raw bytes (OrxLoadBudgets.h), then wabt's own reading and validation.
 
 #include <wabt/interp/interp.h>
 
