@@ -27,9 +27,12 @@ inline constexpr std::uint64_t kOrxMaxTables = 16;
 inline constexpr std::uint64_t kOrxMaxTableElements = 10'000;  // all tables together, and any one table's growth
 inline constexpr std::uint64_t kOrxMaxDataSegments = 1'000;
 inline constexpr std::uint64_t kOrxMaxElementSegments = 1'000;
-inline constexpr std::uint64_t kOrxMaxLocalsPerFunction = 10'000;
+inline constexpr std::uint64_t kOrxMaxLocalsPerFunction = 2'000;
 inline constexpr std::uint64_t kOrxMaxMemoryPages = 256;  // 16 MiB: the initial size, and growth's cap
-inline constexpr std::uint64_t kOrxMaxBlockNesting = 1'024;  // checked while the code is read
+// Checked while the code is read (OrxExecutionBound.h): wabt's IR, which metering rewrites, holds
+// every instruction as an object and nested blocks as nested lists.
+inline constexpr std::uint64_t kOrxMaxInstructions = 250'000;  // over all function bodies
+inline constexpr std::uint64_t kOrxMaxBlockNesting = 1'024;
 
 // "load budget exceeded: <budget> <value> (budget <limit>)", or nothing when the bytes fit every budget.
 std::optional<std::string> checkLoadBudgets(const std::uint8_t* bytes, std::size_t size);

@@ -24,7 +24,8 @@
 #include <cmath>
 
 #include "runtime/OrxModuleInstance.h"
-#include "runtime/engine/OrxBoundedExecutionVerifier.h"
+#include "runtime/engine/OrxExecutionBound.h"
+#include "runtime/engine/OrxFuelMetering.h"
 #include "runtime/engine/ScriptNumberConversion.h"
 #include "runtime/engine/WabtModuleReader.h"
 
@@ -42,41 +43,58 @@ class WabtModuleInstance final : public OrxModuleInstance {
   // Returns false and fills `failure` when the module cannot be instantiated.
   bool instantiate(const std::uint8_t* bytes, std::size_t size, OrxInstantiationFailure& failure) {
     ModuleDesc desc;
-    if (auto refusal = readWabtModule(bytes, size, store_.features(), desc)) return fail(failure, std::move(*refusal));
-    if (auto refusal = verifyBoundedExecution(bytes, size)) {
-      return fail(failure, "VerifierError: execution cannot be bounded because " + *refusal);
+    OrxCodeAnalysis analysis;
+    if (auto refusal = readWabtModule(bytes, size, store_.features(), desc, analysis)) {
+      return fail(failure, std::move(*refusal));
     }
-
-    module_ = Module::New(store_, std::move(desc));
-    RefVec imports;
-    for (const auto& import : module_->desc().imports) {
+    for (const auto& import : desc.imports) {
       const auto& type = import.type;
       if (type.module != "output" || type.name != "emit" || type.type->kind != ExternKind::Func) {
         return fail(failure, "LinkError: import " + type.module + "." + type.name +
                                  " is not provided (only the function output.emit is)");
       }
-      imports.push_back(makeEmit(*wabt::cast<FuncType>(type.type.get())).ref());
+    }
+    if (!analysis.bounded) {
+      std::vector<std::uint8_t> metered;
+      if (auto refusal = meterModule(bytes, size, metered)) return fail(failure, std::move(*refusal));
+      desc = ModuleDesc{};
+      if (auto refusal = readValidatedModule(metered.data(), metered.size(), store_.features(), desc)) {
+        return fail(failure, std::move(*refusal));
+      }
     }
 
+    module_ = Module::New(store_, std::move(desc));
+    RefVec imports;
+    for (const auto& import : module_->desc().imports) {
+      imports.push_back(makeEmit(*wabt::cast<FuncType>(import.type.type.get())).ref());
+    }
     Trap::Ptr trap;
     instance_ = Instance::Instantiate(store_, module_.ref(), imports, &trap);
-    if (!instance_) {
-      return fail(failure, "RuntimeError: " + (trap ? trap->message() : std::string("instantiation failed")));
-    }
+    if (!instance_) return fail(failure, trapText(trap));
+    thread_ = std::make_unique<Thread>(store_);
 
     bool found = false;
+    Func::Ptr start;
     const auto& exports = module_->export_types();
     for (size_t i = 0; i < exports.size(); ++i) {
+      const Ref ref = instance_->exports()[i];
+      if (exports[i].name == kOrxFuelExport) fuel_ = store_.UnsafeGet<Global>(ref);
+      if (exports[i].name == kOrxStackExport) stack_ = store_.UnsafeGet<Global>(ref);
+      if (exports[i].name == kOrxStartExport) start = store_.UnsafeGet<Func>(ref);
       if (exports[i].name != "decide") continue;
       found = true;
       // An export named decide that is not a function exists but cannot be called, as in a script.
-      if (exports[i].type->kind == ExternKind::Func) decide_ = store_.UnsafeGet<Func>(instance_->exports()[i]);
+      if (exports[i].type->kind == ExternKind::Func) decide_ = store_.UnsafeGet<Func>(ref);
+    }
+    // A metered module's start function runs here, under the budgets, as part of instantiation.
+    if (start) {
+      Values none;
+      if (wabt::Failed(start->Call(*thread_, none, none, &trap))) return fail(failure, trapText(trap));
     }
     if (!found) {
       failure = {OrxInstantiationFailure::Kind::noDecideExport, {}};
       return false;
     }
-    thread_ = std::make_unique<Thread>(store_);
     return true;
   }
 
@@ -91,10 +109,10 @@ class WabtModuleInstance final : public OrxModuleInstance {
       invocation.error = kTypeError;
     } else {
       results_.clear();
+      resetBudgets();
       Trap::Ptr trap;
       if (wabt::Failed(decide_->Call(*thread_, params_, results_, &trap))) {
-        invocation.error = typeErrorRaised_ ? std::string(kTypeError)
-                                            : "RuntimeError: " + (trap ? trap->message() : std::string("unknown trap"));
+        invocation.error = typeErrorRaised_ ? std::string(kTypeError) : trapText(trap);
         // A trap unwinds nothing: the interpreter thread keeps the failed call's frames and values,
         // and reusing it would shift every later call's locals. Start the next call on a fresh one.
         thread_ = std::make_unique<Thread>(store_);
@@ -113,6 +131,19 @@ class WabtModuleInstance final : public OrxModuleInstance {
   }
 
  private:
+  void resetBudgets() {
+    if (fuel_) fuel_->UnsafeSet(Value::Make(u64{kOrxFuelPerCall}));
+    if (stack_) stack_->UnsafeSet(Value::Make(u32{0}));
+  }
+
+  // The trap's text as a script sees it; a metered module's budget traps are told apart from its own
+  // `unreachable` by the budget globals (OrxFuelMetering.h).
+  std::string trapText(const Trap::Ptr& trap) const {
+    if (fuel_ && fuel_->Get().Get<s64>() < 0) return "RuntimeError: execution budget exhausted";
+    if (stack_ && stack_->Get().Get<u32>() > kOrxMaxStackUnits) return "RuntimeError: call stack exhausted";
+    return "RuntimeError: " + (trap ? trap->message() : std::string("unknown trap"));
+  }
+
   static bool fail(OrxInstantiationFailure& failure, std::string detail) {
     failure = {OrxInstantiationFailure::Kind::invalidModule, std::move(detail)};
     return false;
@@ -199,6 +230,8 @@ class WabtModuleInstance final : public OrxModuleInstance {
   Module::Ptr module_;
   Instance::Ptr instance_;
   Func::Ptr decide_;
+  Global::Ptr fuel_;   // the budgets of a metered module; null when it runs unmetered
+  Global::Ptr stack_;
   std::unique_ptr<Thread> thread_;
   Values params_;   // reused across calls: no allocation per decision
   Values results_;

@@ -16,15 +16,8 @@ std::string module(const std::string& body) { return std::string("(module ") + k
 
 std::string loadError(const std::vector<std::uint8_t>& bytes) { return moduleLoadError("probe", bytes); }
 
-TEST(OrxModuleHost, RefusesModulesThatCannotBeProvenSafeOrDoNotFitTheContract) {
+TEST(OrxModuleHost, RefusesWhatAScriptHostRefuses) {
   const std::string refused = "Could not instantiate ORX module probe: ";
-  const std::string unbounded = refused + "VerifierError: execution cannot be bounded because ";
-  // 21 levels, each calling the next twice: over two million instructions for one call.
-  std::string doubling = "(func $f21 (result i32) (i32.const 1))\n";
-  for (int level = 20; level >= 0; --level) {
-    doubling += "(func $f" + std::to_string(level) + " (result i32) (i32.add (call $f" + std::to_string(level + 1) +
-                ") (call $f" + std::to_string(level + 1) + ")))\n";
-  }
   struct Case {
     const char* name;
     std::vector<std::uint8_t> bytes;
@@ -48,30 +41,6 @@ TEST(OrxModuleHost, RefusesModulesThatCannotBeProvenSafeOrDoNotFitTheContract) {
       {"emit imported as a memory",
        assembleWat(R"wat((module (import "output" "emit" (memory 1)) (func (export "decide") (result i32) (i32.const 0))))wat"),
        refused + "LinkError: import output.emit is not provided"},
-      {"loop", assembleWat(module(R"wat((func (export "decide") (result i32) (loop $again (br $again)) (i32.const 0)))wat")),
-       unbounded + "it contains a loop"},
-      {"direct recursion",
-       assembleWat(module(R"wat((func $d (export "decide") (param i32) (result i32) (call $d (local.get 0))))wat")),
-       unbounded + "it contains a recursive call cycle"},
-      {"mutual recursion",
-       assembleWat(module(R"wat((func $a (result i32) (call $b)) (func $b (result i32) (call $a))
-                              (func (export "decide") (result i32) (i32.const 0)))wat")),
-       unbounded + "it contains a recursive call cycle"},
-      {"indirect call",
-       assembleWat(module(R"wat((type $t (func (result i32))) (table 1 funcref)
-                              (func (export "decide") (result i32) (call_indirect (type $t) (i32.const 0))))wat")),
-       unbounded + "it contains an indirect call"},
-      {"start function",
-       assembleWat(module(R"wat((func $init) (start $init) (func (export "decide") (result i32) (i32.const 0)))wat")),
-       unbounded + "it has a start function"},
-      {"memory that grows without bound",
-       assembleWat(module(R"wat((memory 1) (func (export "decide") (result i32) (memory.grow (i32.const 1))))wat")),
-       unbounded + "its memory may grow without bound"},
-      {"memory that may grow past the cap",
-       assembleWat(module(R"wat((memory 1 257) (func (export "decide") (result i32) (memory.grow (i32.const 1))))wat")),
-       unbounded + "its memory may reach 257 pages (limit 256)"},
-      {"exponential call tree", assembleWat(module(doubling + R"wat((func (export "decide") (result i32) (call $f0)))wat")),
-       unbounded + "a call may run more than 1000000 instructions"},
       {"data segment out of bounds",
        assembleWat(module(R"wat((memory 1 1) (data (i32.const 65535) "ab") (func (export "decide") (result i32) (i32.const 0)))wat")),
        refused + "RuntimeError: "},
@@ -119,10 +88,10 @@ TEST(OrxModuleHost, RefusesModulesOverALoadBudgetNamingTheBudget) {
       // Found by fuzzing: wabt reserves room for the declared data count as it reads it.
       {"a data count of four billion", moduleHeader() + section(12, leb(0xFFFFFFFF)),
        "data segments 4294967295 (budget 1000)"},
-      {"10,001 locals", moduleOfFunctions(vectorOf(functionType(0, 1), 1), 1, functionBody(10'001, {0x41, 0x00})),
-       "locals per function 10001 (budget 10000)"},
+      {"2,001 locals", moduleOfFunctions(vectorOf(functionType(0, 1), 1), 1, functionBody(2'001, {0x41, 0x00})),
+       "locals per function 2001 (budget 2000)"},
       {"billions of locals", moduleOfFunctions(vectorOf(functionType(0, 1), 1), 1, functionBody(0xFFFFFFF0, {0x41, 0x00})),
-       "locals per function 4294967280 (budget 10000)"},
+       "locals per function 4294967280 (budget 2000)"},
       {"257 initial memory pages", moduleHeader() + section(5, leb(1) + ModuleBytes{0x00} + leb(257)),
        "initial memory pages 257 (budget 256)"},
       {"an imported memory of 257 pages",
@@ -134,16 +103,59 @@ TEST(OrxModuleHost, RefusesModulesOverALoadBudgetNamingTheBudget) {
   for (const auto& c : cases) EXPECT_EQ(loadError(c.bytes), refused + c.expected) << c.name;
 }
 
-TEST(OrxModuleHost, AdmitsBoundedModulesThatOnlyLookDangerous) {
-  const std::vector<std::string> admitted = {
-      module(R"wat((memory 1 256) (func (export "decide") (result i32) (memory.grow (i32.const 1))))wat"),
-      module(R"wat((memory 32) (func (export "decide") (result i32) (i32.const 0)))wat"),
-      // Deep forward branches are fine: without loops nothing runs twice.
-      module(R"wat((func (export "decide") (param i32) (result i32)
-                  (block $out (block (block (br_if $out (local.get 0)))) ) (i32.const 1)))wat"),
-      "(module (func (export \"decide\") (result i32) (i32.const 0)))",  // no emit import at all
+TEST(OrxModuleHost, RunsOnlyModulesProvenBoundedUnmetered) {
+  // 21 levels, each calling the next twice: over two million instructions for one call.
+  std::string doubling = "(func $f21 (result i32) (i32.const 1))\n";
+  for (int level = 20; level >= 0; --level) {
+    doubling += "(func $f" + std::to_string(level) + " (result i32) (i32.add (call $f" + std::to_string(level + 1) +
+                ") (call $f" + std::to_string(level + 1) + ")))\n";
+  }
+  struct Case {
+    const char* name;
+    std::string wat;
+    std::uint64_t worstCaseFuel;  // 0: metered
+    std::string meteringReason;
   };
-  for (const auto& text : admitted) EXPECT_EQ(loadError(assembleWat(text)), "") << text;
+  const Case cases[] = {
+      {"straight-line code: i32.const and end", R"wat((module (func (export "decide") (result i32) (i32.const 7))))wat", 2, ""},
+      {"a call costs its callee and each local one unit",
+       R"wat((module (func $f (result i32) (local i32 i32) (i32.const 1))
+                    (func (export "decide") (result i32) (call $f))))wat", 6, ""},
+      {"forward branches only", module(R"wat((func (export "decide") (param i32) (result i32)
+                  (block $out (block (block (br_if $out (local.get 0)))) ) (i32.const 1)))wat"), 10, ""},
+      {"growth within the caps", module(R"wat((memory 1 256) (func (export "decide") (result i32) (memory.grow (i32.const 1))))wat"), 3, ""},
+      {"a loop", module(R"wat((func (export "decide") (result i32) (loop $again (br $again)) (i32.const 0)))wat"), 0,
+       "it contains a loop"},
+      {"recursion", module(R"wat((func $a (result i32) (call $b)) (func $b (result i32) (call $a))
+                              (func (export "decide") (result i32) (i32.const 0)))wat"), 0, "it contains a recursive call cycle"},
+      {"an indirect call", module(R"wat((type $t (func (result i32))) (table 1 funcref)
+                              (func (export "decide") (result i32) (call_indirect (type $t) (i32.const 0))))wat"), 0,
+       "it contains an indirect call"},
+      {"a bulk fill", module(R"wat((memory 1) (func (export "decide") (result i32)
+                              (memory.fill (i32.const 0) (i32.const 0) (i32.const 10)) (i32.const 0)))wat"), 0,
+       "it moves memory in bulk"},
+      {"a memory without a maximum that grows",
+       module(R"wat((memory 1) (func (export "decide") (result i32) (memory.grow (i32.const 1))))wat"), 0,
+       "its memory may grow past its cap"},
+      {"an exponential call tree", module(doubling + R"wat((func (export "decide") (result i32) (call $f0)))wat"), 0,
+       "a call may cost more than 1000000 fuel units"},
+  };
+  for (const auto& c : cases) {
+    const auto bytes = assembleWat(c.wat);
+    const auto bound = describeExecutionBound(bytes.data(), bytes.size());
+    ASSERT_TRUE(bound.has_value()) << c.name;
+    EXPECT_EQ(bound->bounded, c.worstCaseFuel != 0) << c.name;
+    EXPECT_EQ(bound->worstCaseFuel, c.worstCaseFuel) << c.name;
+    EXPECT_EQ(bound->meteringReason, c.meteringReason) << c.name;
+    EXPECT_EQ(bound->fuelPerCall, 1'000'000u) << c.name;
+  }
+  for (const char* name : {"player_authz", "sync_correction", "cinema_admission"}) {
+    const auto bytes = readTestFile(std::string("artifacts/") + name + ".wasm");
+    const auto bound = describeExecutionBound(bytes.data(), bytes.size());
+    ASSERT_TRUE(bound.has_value()) << name;
+    EXPECT_TRUE(bound->bounded) << name << ": " << bound->meteringReason;
+  }
+  EXPECT_FALSE(describeExecutionBound(nullptr, 0).has_value());
 }
 
 TEST(OrxModuleHost, ReportsEmissionsAndTrapsPerCallAndRecoversAfterATrap) {
