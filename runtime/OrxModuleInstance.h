@@ -68,3 +68,7 @@ struct OrxExecutionBound {
   std::string meteringReason;       // why a module is metered, e.g. "it contains a loop"
 };
 std::optional<OrxExecutionBound> describeExecutionBound(const std::uint8_t* bytes, std::size_t size);
+
+// The bytes the host runs for a module: the bytes themselves when statically bounded, else their metered
+// rewrite; nothing when the host would refuse them. The build translates these for native code.
+std::optional<std::vector<std::uint8_t>> executedModuleBytes(const std::uint8_t* bytes, std::size_t size);

@@ -22,9 +22,18 @@
 #include <string>
 #include <vector>
 
+#include "runtime/engine/OrxExecutionBound.h"
+
 inline constexpr const char* kOrxFuelExport = "orx:fuel";
 inline constexpr const char* kOrxStackExport = "orx:stack";
 inline constexpr const char* kOrxStartExport = "orx:start";
+
+// The text of a metered module's trap when the budget globals show it was a budget trap, else nothing.
+inline std::optional<std::string> budgetTrapText(std::int64_t fuel, std::uint32_t stack) {
+  if (fuel < 0) return "RuntimeError: execution budget exhausted";
+  if (stack > kOrxMaxStackUnits) return "RuntimeError: call stack exhausted";
+  return std::nullopt;
+}
 
 // Fills `metered` and returns nothing, or returns the refusal ("CompileError: …"). `bytes` must have
 // passed the load budgets and wabt's validation.

@@ -139,8 +139,9 @@ class WabtModuleInstance final : public OrxModuleInstance {
   // The trap's text as a script sees it; a metered module's budget traps are told apart from its own
   // `unreachable` by the budget globals (OrxFuelMetering.h).
   std::string trapText(const Trap::Ptr& trap) const {
-    if (fuel_ && fuel_->Get().Get<s64>() < 0) return "RuntimeError: execution budget exhausted";
-    if (stack_ && stack_->Get().Get<u32>() > kOrxMaxStackUnits) return "RuntimeError: call stack exhausted";
+    if (fuel_ && stack_) {
+      if (auto budget = budgetTrapText(fuel_->Get().Get<s64>(), stack_->Get().Get<u32>())) return *budget;
+    }
     return "RuntimeError: " + (trap ? trap->message() : std::string("unknown trap"));
   }
 

@@ -1,6 +1,7 @@
 #include <wabt/interp/interp.h>
 
 #include "runtime/OrxModuleInstance.h"
+#include "runtime/engine/OrxFuelMetering.h"
 #include "runtime/engine/WabtModuleReader.h"
 
 namespace {
@@ -41,4 +42,14 @@ std::optional<OrxExecutionBound> describeExecutionBound(const std::uint8_t* byte
   OrxCodeAnalysis analysis;
   if (readWabtModule(bytes, size, wabt::Features{}, desc, analysis)) return std::nullopt;
   return OrxExecutionBound{analysis.bounded, analysis.worstCaseCost, kOrxFuelPerCall, analysis.meteringReason};
+}
+
+std::optional<std::vector<std::uint8_t>> executedModuleBytes(const std::uint8_t* bytes, std::size_t size) {
+  ModuleDesc desc;
+  OrxCodeAnalysis analysis;
+  if (readWabtModule(bytes, size, wabt::Features{}, desc, analysis)) return std::nullopt;
+  if (analysis.bounded) return std::vector<std::uint8_t>(bytes, bytes + size);
+  std::vector<std::uint8_t> metered;
+  if (meterModule(bytes, size, metered)) return std::nullopt;
+  return metered;
 }
