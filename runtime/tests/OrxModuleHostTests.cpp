@@ -51,6 +51,24 @@ TEST(OrxModuleHost, RefusesWhatAScriptHostRefuses) {
   }
 }
 
+// wabt reports a reader's errors on standard error unless its client takes them; every message must
+// end up in the refusal text instead, outside the log sink nothing may print.
+TEST(OrxModuleHost, WritesNothingToStandardError) {
+  const std::vector<ModuleBytes> refused = {
+      {'h', 'e', 'l', 'l', 'o'},
+      moduleHeader() + section(10, {0x01, 0x05, 0x00, 0x03, 0x40, 0x0B}),  // a loop in a body without a function
+      moduleOfFunctions(vectorOf(functionType(0, 1), 1), 1, functionBody(0, {0x03, 0x40, 0x0C, 0x05})),  // bad branch
+      moduleOfFunctions(vectorOf(functionType(0, 1), 1), 1, functionBody(0, repeated({0x02, 0x40}, 2'000))),
+  };
+  ::testing::internal::CaptureStderr();
+  for (const auto& bytes : refused) {
+    EXPECT_NE(loadError(bytes), "");
+    describeModuleInterface(bytes.data(), bytes.size());
+    describeExecutionBound(bytes.data(), bytes.size());
+  }
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+}
+
 TEST(OrxModuleHost, RefusesModulesOverALoadBudgetNamingTheBudget) {
   const std::string refused = "Could not instantiate ORX module probe: CompileError: load budget exceeded: ";
   const ModuleBytes returnZero = functionBody(0, {0x41, 0x00});
