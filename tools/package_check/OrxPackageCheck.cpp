@@ -4,7 +4,7 @@
 //   orx_package_check POLICIES ARTIFACTS WAT2WASM WAT2WASM_VERSION BUILD_SCRIPT
 //
 // For each module it loads "<module>.wasm" from ARTIFACTS through the runtime's own module host (so the
-// engine and the bounded-execution verifier judge it exactly as at run time), checks the import and
+// engine and its load and execution budgets judge it exactly as at run time), checks the import and
 // export contract of its manifest, runs every case of the manifest's table and compares every emitted
 // value, then writes "<module>.package-check.json". Finally it writes "evidence.json" and prints the
 // build constants. Exits 1 when any module fails. Everything written is deterministic: no times, no
