@@ -67,6 +67,12 @@ class CodeCollector : public wabt::BinaryReaderNop {
     return Result::Ok;
   }
 
+  // Each entry is an expression object to wabt's readers, one byte in the file.
+  Result OnElemSegmentElemExprCount(Index, Index count) override {
+    elementEntries_ += count;
+    return within("element segment entries", elementEntries_, kOrxMaxElementSegmentEntries);
+  }
+
   Result BeginFunctionBody(Index index, wabt::Offset) override {
     if (index < importedFunctions || index >= functions.size()) return Result::Error;  // wabt says why
     current_ = &functions[index];
@@ -137,6 +143,7 @@ class CodeCollector : public wabt::BinaryReaderNop {
   FunctionFacts* current_ = nullptr;
   std::uint64_t nesting_ = 0;
   std::uint64_t instructions_ = 0;
+  std::uint64_t elementEntries_ = 0;
 };
 
 // Why a memory or table could grow past its cap, or nothing.

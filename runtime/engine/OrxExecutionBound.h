@@ -29,7 +29,7 @@ inline constexpr std::uint64_t kOrxMaxStackUnits = 4'000;
 inline constexpr std::uint64_t kOrxFrameUnits = 4;
 
 struct OrxCodeAnalysis {
-  std::optional<std::string> overBudget;  // a load budget the code exceeds (nesting, instructions)
+  std::optional<std::string> overBudget;  // a load budget exceeded: nesting, instructions, element entries
   bool readable = true;                   // false: the bytes are malformed; wabt's reader says how
   bool bounded = false;
   std::uint64_t worstCaseCost = 0;  // fuel units of the costliest call, when bounded

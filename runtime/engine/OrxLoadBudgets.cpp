@@ -119,6 +119,7 @@ class BudgetScan {
       if (!within("results per function type", results, kOrxMaxResultsPerType)) return false;
       in.skip(results);
       signatureSize_.push_back(std::uint64_t{params} + results);
+      if (!signatureSlots(params + std::uint64_t{results})) return false;
     }
     return in.ok();
   }
@@ -194,8 +195,13 @@ class BudgetScan {
   bool function(std::uint32_t typeIndex) {
     ++functions_;
     if (!within("functions", functions_, kOrxMaxFunctions)) return false;
-    if (typeIndex < signatureSize_.size()) signatureSlots_ += signatureSize_[typeIndex];
-    return within("parameters and results over all functions", signatureSlots_, kOrxMaxSignatureSlots);
+    return signatureSlots(typeIndex < signatureSize_.size() ? signatureSize_[typeIndex] : 0);
+  }
+
+  // wabt keeps each type's parameters and results, and copies them again into every function.
+  bool signatureSlots(std::uint64_t count) {
+    signatureSlots_ += count;
+    return within("parameters and results over all types and functions", signatureSlots_, kOrxMaxSignatureSlots);
   }
 
   bool table(std::uint32_t initial) {

@@ -18,7 +18,7 @@ inline constexpr std::uint64_t kOrxMaxModuleBytes = 4 * 1024 * 1024;
 inline constexpr std::uint64_t kOrxMaxTypes = 10'000;
 inline constexpr std::uint64_t kOrxMaxParamsPerType = 1'000;
 inline constexpr std::uint64_t kOrxMaxResultsPerType = 1'000;
-inline constexpr std::uint64_t kOrxMaxSignatureSlots = 200'000;  // parameters and results over all functions
+inline constexpr std::uint64_t kOrxMaxSignatureSlots = 200'000;  // parameters and results, types and functions
 inline constexpr std::uint64_t kOrxMaxFunctions = 10'000;
 inline constexpr std::uint64_t kOrxMaxImports = 100;
 inline constexpr std::uint64_t kOrxMaxExports = 1'000;
@@ -32,6 +32,7 @@ inline constexpr std::uint64_t kOrxMaxMemoryPages = 256;  // 16 MiB: the initial
 // Checked while the code is read (OrxExecutionBound.h): wabt's IR, which metering rewrites, holds
 // every instruction as an object and nested blocks as nested lists.
 inline constexpr std::uint64_t kOrxMaxInstructions = 250'000;  // over all function bodies
+inline constexpr std::uint64_t kOrxMaxElementSegmentEntries = 10'000;  // over all element segments
 inline constexpr std::uint64_t kOrxMaxBlockNesting = 1'024;
 
 // "load budget exceeded: <budget> <value> (budget <limit>)", or nothing when the bytes fit every budget.

@@ -95,9 +95,12 @@ TEST(OrxHostileModules, EachIsRefusedOrContainedWithinItsCeiling) {
       {"410 KB: the same type shared by 100,000 functions",
        [] { return moduleOfFunctions(vectorOf(functionType(10'000, 0), 1), 100'000, functionBody(0, {})); },
        budget + "parameters per function type 10000 (budget 1000)", hold, 0, "", 0.25, 64},
-      {"the largest signatures the budgets allow: 199 functions of 1,000 parameters (decide never emits)",
-       [] { return moduleOfFunctions(vectorOf(functionType(1'000, 1), 1), 199, functionBody(0, {0x41, 0x00})); },
+      {"the largest signatures the budgets allow: 198 functions of 1,000 parameters (decide never emits)",
+       [] { return moduleOfFunctions(vectorOf(functionType(1'000, 1), 1), 198, functionBody(0, {0x41, 0x00})); },
        "", hold, 2, "", 0.25, 64},
+      {"4,000 types of 1,000 parameters (4 MB)",
+       [] { return moduleOfFunctions(vectorOf(functionType(1'000, 0), 4'000), 1, functionBody(0, {})); },
+       budget + "parameters and results over all types and functions 201000 (budget 200000)", hold, 0, "", 0.25, 64},
       {"100,000 tables of 1,024 elements",
        [] { return moduleHeader() + section(4, vectorOf({0x70, 0x01, 0x80, 0x08, 0x80, 0x08}, 100'000)); },
        budget + "tables 100000 (budget 16)", hold, 0, "", 0.25, 64},
@@ -110,6 +113,26 @@ TEST(OrxHostileModules, EachIsRefusedOrContainedWithinItsCeiling) {
       {"250,001 instructions",
        [] { return moduleOfFunctions(vectorOf(functionType(0, 1), 1), 1, functionBody(0, repeated({0x01}, 249'999) + ModuleBytes{0x41, 0x00})); },
        budget + "instructions over all functions 250001 (budget 250000)", hold, 0, "", 0.25, 64},
+      {"a passive element segment of 3,000,000 entries, in a module with a loop",
+       [] {
+         const ModuleBytes types = vectorOf(functionType(0, 1), 1);
+         const ModuleBytes loopBody = functionBody(0, {0x03, 0x40, 0x0B, 0x41, 0x00});
+         return moduleHeader() + section(1, types) + section(3, vectorOf({0x00}, 1)) +
+                section(9, leb(1) + ModuleBytes{0x01, 0x00} + vectorOf({0x00}, 3'000'000)) +
+                section(10, vectorOf(loopBody, 1));
+       },
+       budget + "element segment entries 3000000 (budget 10000)", hold, 0, "", 0.25, 64},
+      {"element segments of 10,000 entries, the most allowed, metered (decide never emits)",
+       [] {
+         const ModuleBytes types = vectorOf(functionType(0, 1), 1);
+         const ModuleBytes loopBody = functionBody(0, {0x03, 0x40, 0x0B, 0x41, 0x00});
+         const std::string decide = "decide";
+         return moduleHeader() + section(1, types) + section(3, vectorOf({0x00}, 1)) +
+                section(7, leb(1) + leb(decide.size()) + ModuleBytes(decide.begin(), decide.end()) + ModuleBytes{0x00, 0x00}) +
+                section(9, leb(1) + ModuleBytes{0x01, 0x00} + vectorOf({0x00}, 10'000)) +
+                section(10, vectorOf(loopBody, 1));
+       },
+       "", hold, 2, "", 0.25, 64},
       {"1,025 nested blocks",
        [] {
          return moduleOfFunctions(vectorOf(functionType(0, 1), 1), 1,

@@ -85,7 +85,7 @@ TEST(OrxModuleHost, RefusesModulesOverALoadBudgetNamingTheBudget) {
       {"1,001 results", moduleOfFunctions(vectorOf(functionType(0, 1'001), 1), 1, returnZero),
        "results per function type 1001 (budget 1000)"},
       {"1,000 parameters in each of 201 functions", moduleOfFunctions(vectorOf(functionType(1'000, 1), 1), 201, returnZero),
-       "parameters and results over all functions 200200 (budget 200000)"},
+       "parameters and results over all types and functions 200200 (budget 200000)"},
       {"10,001 types", moduleOfFunctions(vectorOf(functionType(0, 1), 10'001), 1, returnZero),
        "function types 10001 (budget 10000)"},
       {"2,000,000 empty functions in 8 MB",
