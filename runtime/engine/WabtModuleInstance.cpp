@@ -70,7 +70,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
     }
     Trap::Ptr trap;
     instance_ = Instance::Instantiate(store_, module_.ref(), imports, &trap);
-    if (!instance_) return fail(failure, trapText(trap));
+    if (!instance_) return fail(failure, trap ? trapText(trap) : "RuntimeError: instantiation failed");
     thread_ = std::make_unique<Thread>(store_);
 
     bool found = false;
