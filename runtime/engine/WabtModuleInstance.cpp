@@ -22,6 +22,7 @@
 #include <wabt/interp/interp.h>
 
 #include <cmath>
+#include <utility>
 
 #include "runtime/OrxModuleInstance.h"
 #include "runtime/engine/OrxExecutionBound.h"
@@ -43,25 +44,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
   // Returns false and fills `failure` when the module cannot be instantiated.
   bool instantiate(const std::uint8_t* bytes, std::size_t size, OrxInstantiationFailure& failure) {
     ModuleDesc desc;
-    OrxCodeAnalysis analysis;
-    if (auto refusal = readWabtModule(bytes, size, store_.features(), desc, analysis)) {
-      return fail(failure, std::move(*refusal));
-    }
-    for (const auto& import : desc.imports) {
-      const auto& type = import.type;
-      if (type.module != "output" || type.name != "emit" || type.type->kind != ExternKind::Func) {
-        return fail(failure, "LinkError: import " + type.module + "." + type.name +
-                                 " is not provided (only the function output.emit is)");
-      }
-    }
-    if (!analysis.bounded) {
-      std::vector<std::uint8_t> metered;
-      if (auto refusal = meterModule(bytes, size, metered)) return fail(failure, std::move(*refusal));
-      desc = ModuleDesc{};
-      if (auto refusal = readValidatedModule(metered.data(), metered.size(), store_.features(), desc)) {
-        return fail(failure, std::move(*refusal));
-      }
-    }
+    if (auto refusal = readExecutedModule(bytes, size, desc)) return fail(failure, std::move(*refusal));
 
     module_ = Module::New(store_, std::move(desc));
     RefVec imports;
@@ -73,25 +56,13 @@ class WabtModuleInstance final : public OrxModuleInstance {
     if (!instance_) return fail(failure, trap ? trapText(trap) : "RuntimeError: instantiation failed");
     thread_ = std::make_unique<Thread>(store_);
 
-    bool found = false;
-    Func::Ptr start;
-    const auto& exports = module_->export_types();
-    for (size_t i = 0; i < exports.size(); ++i) {
-      const Ref ref = instance_->exports()[i];
-      if (exports[i].name == kOrxFuelExport) fuel_ = store_.UnsafeGet<Global>(ref);
-      if (exports[i].name == kOrxStackExport) stack_ = store_.UnsafeGet<Global>(ref);
-      if (exports[i].name == kOrxStartExport) start = store_.UnsafeGet<Func>(ref);
-      if (exports[i].name != "decide") continue;
-      found = true;
-      // An export named decide that is not a function exists but cannot be called, as in a script.
-      if (exports[i].type->kind == ExternKind::Func) decide_ = store_.UnsafeGet<Func>(ref);
-    }
+    const auto [hasDecide, start] = bindExports();
     // A metered module's start function runs here, under the budgets, as part of instantiation.
     if (start) {
       Values none;
       if (wabt::Failed(start->Call(*thread_, none, none, &trap))) return fail(failure, trapText(trap));
     }
-    if (!found) {
+    if (!hasDecide) {
       failure = {OrxInstantiationFailure::Kind::noDecideExport, {}};
       return false;
     }
@@ -131,6 +102,44 @@ class WabtModuleInstance final : public OrxModuleInstance {
   }
 
  private:
+  // Reads and links the module the host runs for these bytes: the bytes themselves when statically
+  // bounded, else their metered rewrite. Imports are checked on the bytes as given.
+  std::optional<std::string> readExecutedModule(const std::uint8_t* bytes, std::size_t size, ModuleDesc& desc) {
+    OrxCodeAnalysis analysis;
+    if (auto refusal = readWabtModule(bytes, size, store_.features(), desc, analysis)) return refusal;
+    for (const auto& import : desc.imports) {
+      const auto& type = import.type;
+      if (type.module != "output" || type.name != "emit" || type.type->kind != ExternKind::Func) {
+        return "LinkError: import " + type.module + "." + type.name +
+               " is not provided (only the function output.emit is)";
+      }
+    }
+    if (analysis.bounded) return std::nullopt;
+    std::vector<std::uint8_t> metered;
+    if (auto refusal = meterModule(bytes, size, metered)) return refusal;
+    desc = ModuleDesc{};
+    return readValidatedModule(metered.data(), metered.size(), store_.features(), desc);
+  }
+
+  // Finds decide and a metered module's budget globals and start function; says whether an export
+  // named decide exists.
+  std::pair<bool, Func::Ptr> bindExports() {
+    bool hasDecide = false;
+    Func::Ptr start;
+    const auto& exports = module_->export_types();
+    for (size_t i = 0; i < exports.size(); ++i) {
+      const Ref ref = instance_->exports()[i];
+      if (exports[i].name == kOrxFuelExport) fuel_ = store_.UnsafeGet<Global>(ref);
+      if (exports[i].name == kOrxStackExport) stack_ = store_.UnsafeGet<Global>(ref);
+      if (exports[i].name == kOrxStartExport) start = store_.UnsafeGet<Func>(ref);
+      if (exports[i].name != "decide") continue;
+      hasDecide = true;
+      // An export named decide that is not a function exists but cannot be called, as in a script.
+      if (exports[i].type->kind == ExternKind::Func) decide_ = store_.UnsafeGet<Func>(ref);
+    }
+    return {hasDecide, std::move(start)};
+  }
+
   void resetBudgets() {
     if (fuel_) fuel_->UnsafeSet(Value::Make(u64{kOrxFuelPerCall}));
     if (stack_) stack_->UnsafeSet(Value::Make(u32{0}));
