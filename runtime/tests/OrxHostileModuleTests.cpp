@@ -233,6 +233,15 @@ TEST(OrxHostileModules, EachIsRefusedOrContainedWithinItsCeiling) {
              (i32.store (i32.const 2097148) (i32.const 42)) (i32.load (i32.const 2097148))))wat");
        },
        "", seek(42), 0, "", 0.5, 64},
+      {"a decide returning i64 (a BigInt to a script, which ToInt32 refuses) after a valid emission",
+       [] {
+         return assembleWat(R"wat((module
+             (import "output" "emit" (func $emit (param i32 i32 i32 i32 i32) (result i32)))
+             (func (export "decide") (param i32 i32 i32 i32 i32 i32 i32 i32) (result i64)
+               (drop (call $emit (i32.const 5301) (i32.const 0) (i32.const 1000) (i32.const 0) (i32.const 0)))
+               (i64.const 0))))wat");
+       },
+       "", hold, 2, "TypeError: an argument or result has a type that cannot cross the boundary", 0.5, 64},
       {"a loop that runs out of fuel once, then decides normally",
        [&] {
          return seeking(R"wat((global $calls (mut i32) (i32.const 0))
