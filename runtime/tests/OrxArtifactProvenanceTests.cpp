@@ -84,6 +84,8 @@ TEST(OrxArtifactProvenance, TamperedCopiesAreRefusedWithTheRuntimesTexts) {
        "evidence.modules[2].wasmSha256: missing key", kNoModules},
       {"unreadable evidence", [](auto& copy) { std::ofstream(copy.path() / "evidence.json") << "{\"modules\": ["; },
        "malformed JSON: …", kNoModules},
+      {"evidence followed by a NUL byte and more", [](auto& copy) { copy.append("evidence.json", std::string("\0junk", 5)); },
+       "malformed JSON: …", kNoModules},
       {"missing evidence", [](auto& copy) { fs::remove(copy.path() / "evidence.json"); },
        "could not read …", kNoModules},
       {"extra records for other modules are ignored",
