@@ -48,10 +48,13 @@ std::string fileText(const fs::path& path) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// Runs the built tool as its users do, with standard input, output and error redirected to files.
-Outcome run(Words arguments, const std::string& input, const fs::path& workingDirectory = kRoot) {
+// Runs the built tool as its users do, with standard input, output and error redirected to files;
+// standard output goes to `output` when one is named.
+Outcome run(Words arguments, const std::string& input, const fs::path& workingDirectory = kRoot,
+            const fs::path& output = {}) {
   const Scratch scratch("ravo-orx-run-");
-  const auto in = scratch.path / "in", out = scratch.path / "out", err = scratch.path / "err";
+  const auto in = scratch.path / "in", err = scratch.path / "err";
+  const auto out = output.empty() ? scratch.path / "out" : output;
   std::ofstream(in, std::ios::binary) << input;
   arguments.insert(arguments.begin(), ORX_CLI_TOOL);
   std::vector<char*> argv;
@@ -69,7 +72,8 @@ Outcome run(Words arguments, const std::string& input, const fs::path& workingDi
   posix_spawn_file_actions_destroy(&actions);
   int status = 0;
   if (spawned != 0 || ::waitpid(child, &status, 0) != child) return {};
-  return {fileText(out), fileText(err), WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
+  return {output.empty() ? fileText(out) : "", fileText(err),
+          WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
 }
 
 struct Case {
@@ -272,6 +276,26 @@ TEST(RavoOrxTool, Scenario) {
       {{"scenario", "merge"}, "",
        misused("scenario", "unknown scenario command \"merge\"; expected validate, digest or diff")},
   });
+}
+
+// A result that cannot be written is a failure of every subcommand, help included.
+TEST(RavoOrxTool, AFailedWriteIsReportedAndExitsOne) {
+  const Outcome full = refused("ravo-orx: could not write standard output: No space left on device");
+  const std::vector<std::pair<Words, std::string>> commands = {
+      {{"--help"}, ""},
+      {{"canon", "--help"}, ""},
+      {{"canon"}, R"({"a":1})"},
+      {{"digest", "ORX_DECISION_EVIDENCE_V1", kData + "evidence-allow.json"}, ""},
+      {{"evidence", kData + "evidence-allow.json"}, ""},
+      {{"status"}, ""},
+      {{"decide", "sync", "501", "20", "5", "10000", "100", "0", "500", "50"}, ""},
+      {{"resolve", "pause"}, ""},
+      {{"shortlist", "pause"}, ""},
+      {{"scenario", "validate", kData + "draft.json"}, ""},
+  };
+  for (const auto& [arguments, input] : commands) {
+    EXPECT_EQ(run(arguments, input, kRoot, "/dev/full"), full) << arguments.front();
+  }
 }
 
 }  // namespace
