@@ -250,14 +250,16 @@ TEST(RavoOrxTool, Scenario) {
   const fs::path forged = scratch.path / "forged.json";
   std::string revision = fileText(kData + "revision-1.json");
   std::ofstream(forged) << revision.replace(revision.find("\"0cb4"), 5, "\"1cb4");
-  auto diff = [](char to, bool changed, const std::string& addedNodes) {
+  auto diff = [](char to, bool changed, const std::string& addedNodes, bool digestChanged = false) {
     const std::string flag = changed ? "true" : "false";
+    const std::string digestFlag = changed || digestChanged ? "true" : "false";
     return printed(std::string(R"({"fromRevisionID":"00000000-0000-0000-0000-0000000000A1",)") +
                    R"("toRevisionID":"00000000-0000-0000-0000-0000000000A)" + to + R"(","titleChanged":)" + flag +
-                   R"(,"lifecycleChanged":false,"activationRequestChanged":false,"graphDigestChanged":)" + flag +
+                   R"(,"lifecycleChanged":false,"activationRequestChanged":false,"graphDigestChanged":)" + digestFlag +
                    R"(,"addedNodes":[)" + addedNodes + R"(],"removedNodes":[],"changedNodeVersions":[],)" +
                    R"("addedCapabilities":[],"removedCapabilities":[],"edgeCountDelta":0})");
   };
+  const std::string forgedDigest = ": RavoScenarioRevision.graphDigest does not match the draft's graph\n";
   expectOutcomes({
       {{"scenario", "validate", kData + "draft.json"}, "", printed("[]")},
       {{"scenario", "validate"}, fileText(kData + "draft-invalid.json"),
@@ -270,8 +272,11 @@ TEST(RavoOrxTool, Scenario) {
       {{"scenario", "diff", kData + "revision-1.json", kData + "revision-2.json"}, "",
        diff('2', true, R"({"nodeType":"ravo.trigger.manual","nodeVersion":"1.0.0","stableTargetIDs":[]})")},
       {{"scenario", "diff", kData + "revision-1.json", kData + "revision-1.json"}, "", diff('1', false, "")},
+      // A stored digest that differs from the computed one is used as it stands, with a warning.
       {{"scenario", "diff", kData + "revision-1.json", forged.string()}, "",
-       refused("RavoScenarioRevision.graphDigest: does not match the draft's graph")},
+       {diff('1', false, "", true).out, "warning: " + forged.string() + forgedDigest, 0}},
+      {{"scenario", "validate", kData + "revision-1.json"}, "", printed("[]")},
+      {{"scenario", "validate"}, fileText(forged), {"[]\n", "warning: standard input" + forgedDigest, 0}},
       {{"scenario", "diff", kData + "revision-1.json"}, "", misused("scenario", "missing TO")},
       {{"scenario", "merge"}, "",
        misused("scenario", "unknown scenario command \"merge\"; expected validate, digest or diff")},
