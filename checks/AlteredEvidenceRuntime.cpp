@@ -1,10 +1,12 @@
 #include "checks/AlteredEvidenceRuntime.h"
 
 #include <fstream>
-#include <iterator>
+#include <string_view>
 #include <system_error>
 
+#include "contracts/support/RavoJSON.h"
 #include "contracts/support/RavoUUID.h"
+#include "runtime/OrxArtifactFiles.h"
 
 namespace {
 
@@ -34,25 +36,32 @@ class ScratchDirectory {
   fs::path path_;
 };
 
-bool editEvidence(const fs::path& file, const OrxEvidenceEdit& mutate) {
-  std::ifstream in(file, std::ios::binary);
-  if (!in) return false;
-  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  nlohmann::json parsed = nlohmann::json::parse(text, nullptr, /*allow_exceptions=*/false);
-  if (parsed.is_discarded()) return false;
+// Throws std::runtime_error when the file cannot be written whole.
+void writeFile(const fs::path& file, std::string_view bytes) {
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (!out.flush()) throw std::runtime_error("could not write " + file.string());
+}
+
+// Artifacts are copied through the runtime's own reader, so that the copy refuses at once what the
+// runtime would refuse (FIFOs, devices, oversized files) instead of blocking on it or copying it whole.
+std::string readArtifactText(const fs::path& file) {
+  const auto bytes = readArtifactFile(file);
+  return std::string(bytes.begin(), bytes.end());
+}
+
+void editEvidence(const fs::path& file, const OrxEvidenceEdit& mutate) {
+  // Read by the application JSON reader, which bounds nesting: nlohmann copies and writes documents
+  // recursively, and hostile evidence may nest deeply enough to exhaust the stack. nlohmann::json keeps
+  // object keys sorted and writes "/" unescaped.
+  const nlohmann::json parsed(parseRavoJSON(readArtifactText(file)));
   nlohmann::json dictionary = parsed.is_object() ? parsed : nlohmann::json::object();
   mutate(dictionary);
 
-  // nlohmann::json keeps object keys sorted and writes "/" unescaped. Write then replace, atomically.
+  // Write then replace, atomically.
   const fs::path temporary = file.parent_path() / (file.filename().string() + ".tmp");
-  {
-    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    out << dictionary.dump();
-    if (!out.flush()) return false;
-  }
-  std::error_code error;
-  fs::rename(temporary, file, error);
-  return !error;
+  writeFile(temporary, dictionary.dump());
+  fs::rename(temporary, file);
 }
 
 }  // namespace
@@ -63,11 +72,9 @@ std::unique_ptr<OrxPolicyRuntime> alteredEvidenceRuntime(const fs::path& artifac
   if (error) return nullptr;
   ScratchDirectory scratch(temporaryRoot / ("ravo-orx-check-" + RavoUUID::random().uuidString()));
   if (!fs::create_directories(scratch.path(), error) || error) return nullptr;
-  for (const char* name : kArtifactFiles) {
-    if (!fs::copy_file(artifacts / name, scratch.path() / name, error) || error) return nullptr;
-  }
   try {
-    if (!editEvidence(scratch.path() / "evidence.json", mutate)) return nullptr;
+    for (const char* name : kArtifactFiles) writeFile(scratch.path() / name, readArtifactText(artifacts / name));
+    editEvidence(scratch.path() / "evidence.json", mutate);
   } catch (const std::exception&) {
     return nullptr;
   }

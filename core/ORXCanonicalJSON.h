@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "core/ORXCanonicalValue.h"
+#include "core/ORXError.h"
 
 namespace ORXCanonicalJSON {
 

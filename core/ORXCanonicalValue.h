@@ -13,6 +13,8 @@
 #include <variant>
 #include <vector>
 
+#include "core/ORXError.h"
+
 class ORXCanonicalValue;
 
 class ORXCanonicalObject {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/ORXClosedEnumSchema.h"
+#include "core/ORXError.h"
 
 class ORXClosedEnumContext {
  public:

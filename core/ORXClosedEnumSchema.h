@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include "core/ORXError.h"
 #include "core/ORXRawValue.h"
 
 enum class ORXClosedEnumKind { enumeration, errorEnum };

@@ -11,6 +11,7 @@
 
 #include "core/ORXCanonicalValue.h"
 #include "core/ORXDigestDomain.h"
+#include "core/ORXError.h"
 
 class ORXDigest {
  public:

@@ -9,6 +9,7 @@
 
 #include "core/ORXCanonicalValue.h"
 #include "core/ORXClosedEnumContext.h"
+#include "core/ORXError.h"
 
 class ORXEnumValue {
  public:

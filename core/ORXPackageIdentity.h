@@ -6,6 +6,7 @@
 
 #include "core/ORXCanonicalValue.h"
 #include "core/ORXDigest.h"
+#include "core/ORXError.h"
 
 class ORXPackageIdentity {
  public:

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <variant>
 
+#include "core/ORXError.h"
 #include "core/ORXPrimitiveType.h"
 
 class ORXFlatTypeReference {

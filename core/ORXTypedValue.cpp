@@ -148,7 +148,8 @@ ORXCanonicalValue ORXTypedValue::encode() const {
             return ORXCanonicalValue::object(std::move(fields));
           },
           [](const Result& result) {
-            const std::string type = "result<" + result.type.canonical() + "," + result.errorType + ">";
+            // Built through the type reference, which checks the error enum identity as its parser does.
+            const std::string type = ORXTypeReference::result(result.type, result.errorType).canonical();
             if (const ORXTypedValue* ok = result.value.okValue()) {
               return ORXCanonicalValue::object({
                   {"tag", text("ok")},

@@ -7,6 +7,7 @@
 
 #include "core/ORXCanonicalValue.h"
 #include "core/ORXDigest.h"
+#include "core/ORXError.h"
 
 class ORXVerifiedArtifact {
  public:

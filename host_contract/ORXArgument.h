@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "core/ORXError.h"
 #include "core/ORXTypedValue.h"
 
 class ORXArgument {

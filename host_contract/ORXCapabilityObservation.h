@@ -7,6 +7,7 @@
 #include "core/ORXCanonicalValue.h"
 #include "core/ORXDigest.h"
 #include "core/ORXEnumValue.h"
+#include "core/ORXError.h"
 #include "core/ORXTypedValue.h"
 #include "host_contract/ORXGenerationFence.h"
 

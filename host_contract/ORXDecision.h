@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "core/ORXDigest.h"
+#include "core/ORXError.h"
 #include "host_contract/ORXDecisionOutcome.h"
 #include "host_contract/ORXFailureReason.h"
 #include "host_contract/ORXGenerationFence.h"

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/ORXDigest.h"
+#include "core/ORXError.h"
 #include "host_contract/ORXBudget.h"
 #include "host_contract/ORXDeadline.h"
 #include "host_contract/ORXDecisionEvidenceComponents.h"

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/ORXDigest.h"
+#include "core/ORXError.h"
 
 class ORXDecisionEvidenceSourceBinding {
  public:

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/ORXDigest.h"
+#include "core/ORXError.h"
 #include "host_contract/ORXArgument.h"
 #include "host_contract/ORXBudget.h"
 #include "host_contract/ORXDeadline.h"

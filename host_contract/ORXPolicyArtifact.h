@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/ORXDigest.h"
+#include "core/ORXError.h"
 
 class ORXPolicyArtifact {
  public:

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "core/ORXEnumValue.h"
+#include "core/ORXError.h"
 
 class ORXResourceClass {
  public:

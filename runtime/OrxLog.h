@@ -14,5 +14,8 @@ inline constexpr std::string_view kOrxLogCategory = "orx-policy";
 using OrxLogSink = std::function<void(OrxLogLevel level, std::string_view message)>;
 
 // Replaces the sink for the whole process; an empty function restores the default back end.
+// The runtime logs from inside a decision, while it holds its lock: a sink must return without
+// calling back into any OrxPolicyRuntime or OrxPolicyDecider (the lock is not recursive, so such a
+// call deadlocks), and should hand slow work to another thread.
 void setOrxLogSink(OrxLogSink sink);
 void orxLog(OrxLogLevel level, std::string_view message);

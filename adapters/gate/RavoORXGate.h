@@ -14,6 +14,7 @@
 #include "adapters/gate/RavoORXShadowCandidate.h"
 #include "contracts/actions/RavoRemoteAction.h"
 #include "contracts/services/RavoAIProgressEvent.h"
+#include "core/ORXError.h"
 
 namespace RavoORXGate {
 

@@ -6,6 +6,7 @@
 
 #include "checks/OrxRuntimeCheckCatalog.h"
 #include "runtime/OrxLog.h"
+#include "runtime/tests/ArtifactCopy.h"
 
 namespace {
 
@@ -60,6 +61,21 @@ TEST_F(OrxRuntimeCheckCatalog, WithoutArtifactsOnlyTheFailSafeHoldAndThePureVali
       {"compiler identity tampering is rejected", "unreviewed compiler identity was accepted"},
   };
   EXPECT_EQ(results, expected);
+  EXPECT_TRUE(fs::is_empty(scratch));
+}
+
+// The runtime refuses evidence nested this deeply with its reader's depth error; the tamper checks,
+// which edit a copy of the evidence as a document, must refuse it as cleanly.
+TEST_F(OrxRuntimeCheckCatalog, TamperChecksFailClosedOnEvidenceTooDeepToEdit) {
+  const artifact_test::ArtifactCopy copy;
+  const auto bytes = readTestFile(copy.path() / "evidence.json");
+  std::string evidence(bytes.begin(), bytes.end());
+  evidence.insert(evidence.find('{') + 1,
+                  "\"unknown\":" + std::string(100'000, '[') + std::string(100'000, ']') + ",");
+  std::ofstream(copy.path() / "evidence.json", std::ios::trunc) << evidence;
+  const auto results = runCatalog(copy.path(), scratch);
+  EXPECT_EQ(results.at("duplicate evidence records are rejected"), "duplicate evidence was accepted");
+  EXPECT_EQ(results.at("compiler identity tampering is rejected"), "unreviewed compiler identity was accepted");
   EXPECT_TRUE(fs::is_empty(scratch));
 }
 

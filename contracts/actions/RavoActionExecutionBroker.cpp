@@ -1,6 +1,7 @@
 #include "contracts/actions/RavoActionExecutionBroker.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace {
 
@@ -50,6 +51,8 @@ void RavoActionExecutionBroker::install(const RavoApplicationActionManifest& man
 }
 
 void RavoActionExecutionBroker::registerHandler(const RavoApplicationActionID& actionID, RavoActionHandler handler) {
+  // An empty function could only fail each execution later, as "handler.failed".
+  if (!handler) throw std::invalid_argument("empty handler for " + actionID.rawValue());
   auto shared = std::make_shared<const RavoActionHandler>(std::move(handler));
   std::lock_guard lock(mutex_);
   if (!descriptors_.contains(actionID)) {

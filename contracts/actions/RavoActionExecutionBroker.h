@@ -47,7 +47,8 @@ class RavoActionExecutionBroker {
   // one throws duplicateAction, leaving the actions before it installed.
   void install(const RavoApplicationActionManifest& manifest);
 
-  // Replaces any earlier handler; throws unknownAction when no such action is installed.
+  // Replaces any earlier handler; throws unknownAction when no such action is installed, and
+  // std::invalid_argument for an empty function.
   void registerHandler(const RavoApplicationActionID& actionID, RavoActionHandler handler);
 
   // Accepts a grant of generation >= 0 and at least one use that has not expired by the wall clock,

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <clocale>
 #include <cmath>
+#include <cstdlib>
 
 #include "contracts/support/RavoTextNormalization.h"
 
@@ -28,13 +30,33 @@ std::string_view withoutPlusSign(std::string_view text) {
   return text;
 }
 
-template <class T>
-std::optional<T> parseWhole(std::string_view text) {
+std::optional<std::int64_t> parseInteger(std::string_view text) {
   text = withoutPlusSign(text);
-  T value{};
+  std::int64_t value = 0;
   auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
   return value;
+}
+
+// std::from_chars calls a number too small for a double out of range, where the platform's parse
+// rounds it to zero (a finite value, kept) and only a number too large becomes infinite (dropped).
+// The C locale's strtod rounds such text that way; from_chars has already checked its syntax.
+std::optional<double> parseFiniteNumber(const std::string& trimmed) {
+  const std::string_view text = withoutPlusSign(trimmed);
+  double value = 0;
+  auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (end != text.data() + text.size() || error == std::errc::invalid_argument) return std::nullopt;
+  if (error == std::errc::result_out_of_range) {
+    static const locale_t cLocale = ::newlocale(LC_ALL_MASK, "C", nullptr);
+    value = ::strtod_l(text.data(), nullptr, cLocale);
+  }
+  if (!std::isfinite(value)) return std::nullopt;
+  return value;
+}
+
+std::optional<double> encodable(const std::optional<double>& limit) {
+  if (limit) ravoEncodableActionNumber(*limit);
+  return limit;
 }
 
 }  // namespace
@@ -71,12 +93,10 @@ std::optional<RavoActionValue> RavoActionParameterSchema::parse(std::string_view
       if (auto flag = parseBoolean(trimmed)) return RavoActionValue::boolean(*flag);
       return std::nullopt;
     case RavoActionValueKind::integer:
-      if (auto integer = parseWhole<std::int64_t>(trimmed)) return RavoActionValue::integer(*integer);
+      if (auto integer = parseInteger(trimmed)) return RavoActionValue::integer(*integer);
       return std::nullopt;
     case RavoActionValueKind::number:
-      if (auto number = parseWhole<double>(trimmed); number && std::isfinite(*number)) {
-        return RavoActionValue::number(*number);
-      }
+      if (auto number = parseFiniteNumber(trimmed)) return RavoActionValue::number(*number);
       return std::nullopt;
   }
   return std::nullopt;
@@ -87,8 +107,8 @@ RavoJSON RavoActionParameterSchema::toJSON() const {
       .add("key", fields_.key)
       .add("kind", fields_.kind)
       .add("required", fields_.required)
-      .add("minimum", fields_.minimum)
-      .add("maximum", fields_.maximum)
+      .add("minimum", encodable(fields_.minimum))
+      .add("maximum", encodable(fields_.maximum))
       .add("allowedStrings", fields_.allowedStrings)
       .add("defaultValue", fields_.defaultValue)
       .take();

@@ -7,6 +7,11 @@ namespace {
 constexpr const char* kNonFinite = "non-finite action number";
 }  // namespace
 
+double ravoEncodableActionNumber(double value) {
+  if (!std::isfinite(value)) throw std::invalid_argument(kNonFinite);
+  return value;
+}
+
 RavoJSON RavoActionValue::toJSON() const {
   RavoJSONObjectWriter writer;
   writer.add("kind", kind());
@@ -14,9 +19,10 @@ RavoJSON RavoActionValue::toJSON() const {
   std::visit(
       [&](const auto& value) {
         if constexpr (std::is_same_v<std::decay_t<decltype(value)>, double>) {
-          if (!std::isfinite(value)) throw std::invalid_argument(kNonFinite);
+          writer.add(key, ravoEncodableActionNumber(value));
+        } else {
+          writer.add(key, value);
         }
-        writer.add(key, value);
       },
       payload_);
   return writer.take();

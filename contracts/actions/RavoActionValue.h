@@ -42,5 +42,9 @@ class RavoActionValue {
   Payload payload_;
 };
 
+// Throws std::invalid_argument "non-finite action number" for a NaN or infinite number, which JSON
+// cannot carry: every number of the action model is checked with it before it is encoded.
+double ravoEncodableActionNumber(double value);
+
 // Named arguments of one action invocation; ordered by name so equal argument sets compare equal.
 using RavoActionArguments = std::map<std::string, RavoActionValue>;

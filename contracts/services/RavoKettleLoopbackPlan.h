@@ -3,6 +3,7 @@
 // host keeps no timer for it: it calls `tick` whenever it wakes and sleeps until the tick's next check.
 
 #include <cstdint>
+#include <functional>
 #include <stdexcept>
 
 #include "contracts/services/RavoKettleLoopbackTick.h"
@@ -65,4 +66,11 @@ class RavoKettleLoopbackPlan {
   RavoTimePoint expectedReadyAt_;
   std::int64_t earlyNoticeSeconds_;
   std::int64_t pollIntervalSeconds_;
+};
+
+template <>
+struct std::hash<RavoKettleLoopbackPlan::Error> {
+  size_t operator()(const RavoKettleLoopbackPlan::Error& error) const noexcept {
+    return std::hash<RavoKettleLoopbackPlan::Error::Code>{}(error.code());
+  }
 };

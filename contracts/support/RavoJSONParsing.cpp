@@ -130,5 +130,12 @@ class DocumentBuilder {
 RavoJSON parseRavoJSON(std::string_view text) {
   DocumentBuilder builder;
   RavoJSON::sax_parse(text, &builder);
+  // nlohmann's lexer takes a raw NUL outside a string for the end of the input, so a value followed
+  // by "\0junk" would parse. Inside strings NUL is refused unescaped, and before the end of the value
+  // it ends the input early, so after a successful parse any NUL is one that follows the value.
+  if (const auto nul = text.find('\0'); nul != std::string_view::npos) {
+    throw RavoJSONDecodingError("malformed JSON: unexpected NUL byte at offset " + std::to_string(nul) +
+                                "; expected end of input");
+  }
   return builder.take();
 }

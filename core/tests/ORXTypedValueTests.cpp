@@ -78,6 +78,13 @@ TEST(ORXTypedValue, RefusesMismatchedTypesAndBadFloats) {
        prefix + "typed value does not match expected result type"},
       {T::result(i32, "m::E", T::ResultValue::err(errorF)), std::nullopt,
        prefix + "result error type mismatches declared error enum"},
+      // Error enum identities that the type text's own parser refuses.
+      {T::result(i32, "i64", T::ResultValue::ok(T::i32(1))), std::nullopt,
+       prefix + "enum type must use module::Type identity"},
+      {T::result(i32, "m::e", T::ResultValue::ok(T::i32(1))), std::nullopt,
+       prefix + "enum type must have a capitalized type name"},
+      {T::result(i32, "m::E,n::F", T::ResultValue::ok(T::i32(1))), std::nullopt,
+       prefix + "enum type must use module::Type identity"},
       {T::f32(F::bits("7fc00000")), std::nullopt, badBits},
       {T::f32(F::bits("ff800001")), std::nullopt, badBits},
       {T::f32(F::bits("3F800000")), std::nullopt, badBits},

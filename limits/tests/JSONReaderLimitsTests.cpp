@@ -52,6 +52,8 @@ const std::vector<std::pair<const char*, Reader>>& readers() {
 
 const std::string kCanonicalDepth = "orx.v051.parse_invalid: JSON nesting is deeper than 512 levels";
 const std::string kRavoDepth = "malformed JSON: nesting is deeper than 512 levels";
+const std::string kTrailing = "orx.v051.parse_invalid: trailing bytes after JSON value";
+const std::string kNulSuffix = "malformed JSON: unexpected NUL byte at offset 2; expected end of input";
 const std::string kNoField = "orx.v051.decision_evidence_invalid: DecisionEvidence has an unknown or missing field";
 
 // Pixmor responses and drafting answers are capped at 1 MiB and refused unread beyond it.
@@ -101,6 +103,8 @@ TEST(JSONReaderLimits, EveryReaderRefusesHostileDocumentsWithItsOwnText) {
         "RavoHomeInventorySnapshot: expected an object, found an array",
         "PixmorORXResponse: expected an object, found an array", "model answer: expected an object, found an array"}},
       {"513 nested arrays", nestedArrays(513), {kCanonicalDepth, kCanonicalDepth, kRavoDepth, kRavoDepth, kRavoDepth}},
+      {"NUL byte and more after the value", std::string("{}\0junk", 7),
+       {kTrailing, kTrailing, kNulSuffix, kNulSuffix, kNulSuffix}},
       // Under Pixmor's cap, yet about six seconds for nlohmann's own ordered-object builder, which
       // searches every member on each insertion.
       {"80,000 members", objectWithMembers(80'000),

@@ -6,48 +6,16 @@
 #include <fstream>
 #include <functional>
 
-#include <nlohmann/json.hpp>
-
 #include "runtime/OrxLog.h"
 #include "runtime/OrxPolicyRuntime.h"
-#include "runtime/tests/WatAssembler.h"
+#include "runtime/tests/ArtifactCopy.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
-
-class ArtifactCopy {
- public:
-  ArtifactCopy() : path_(fs::temp_directory_path() / ("orx-provenance-" + std::to_string(::getpid()))) {
-    fs::remove_all(path_);
-    fs::copy("artifacts", path_);
-  }
-  ~ArtifactCopy() { fs::remove_all(path_); }
-  const fs::path& path() const { return path_; }
-
-  void editEvidence(const std::function<void(Json&)>& edit) const {
-    Json evidence = Json::parse(readTestFile(path_ / "evidence.json"));
-    edit(evidence);
-    std::ofstream(path_ / "evidence.json", std::ios::trunc) << evidence.dump(2);
-  }
-  void flipByte(const std::string& file) const {
-    auto bytes = readTestFile(path_ / file);
-    bytes[bytes.size() / 2] ^= 0x01;
-    std::ofstream(path_ / file, std::ios::binary | std::ios::trunc)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  }
-
- private:
-  fs::path path_;
-};
-
-Json& moduleRecord(Json& evidence, const std::string& name) {
-  for (auto& record : evidence["modules"]) {
-    if (record["module"] == name) return record;
-  }
-  throw std::runtime_error("no record " + name);
-}
+using artifact_test::ArtifactCopy;
+using artifact_test::Json;
+using artifact_test::moduleRecord;
 
 const std::string kNoModules = "ORX unavailable \u00B7 native safe mode";
 
@@ -115,6 +83,8 @@ TEST(OrxArtifactProvenance, TamperedCopiesAreRefusedWithTheRuntimesTexts) {
        [](auto& copy) { copy.editEvidence([](Json& e) { e["modules"][2].erase("wasmSha256"); }); },
        "evidence.modules[2].wasmSha256: missing key", kNoModules},
       {"unreadable evidence", [](auto& copy) { std::ofstream(copy.path() / "evidence.json") << "{\"modules\": ["; },
+       "malformed JSON: …", kNoModules},
+      {"evidence followed by a NUL byte and more", [](auto& copy) { copy.append("evidence.json", std::string("\0junk", 5)); },
        "malformed JSON: …", kNoModules},
       {"missing evidence", [](auto& copy) { fs::remove(copy.path() / "evidence.json"); },
        "could not read …", kNoModules},

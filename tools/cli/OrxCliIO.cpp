@@ -38,6 +38,8 @@ std::string orxCliReadDocument(OrxCliArguments& arguments) {
   return orxCliReadInput(file);
 }
 
+void orxCliWarn(std::string_view text) { std::fprintf(stderr, "warning: %.*s\n", static_cast<int>(text.size()), text.data()); }
+
 void orxCliPrint(std::string_view text) {
   std::fwrite(text.data(), 1, text.size(), stdout);
   std::fputc('\n', stdout);

@@ -17,6 +17,9 @@ std::string orxCliReadInput(const std::optional<std::string>& file);
 // the document.
 std::string orxCliReadDocument(OrxCliArguments& arguments);
 
+// Writes "warning: ", `text` and a newline to standard error; the result is still printed.
+void orxCliWarn(std::string_view text);
+
 // Writes `text` and a newline to standard output.
 void orxCliPrint(std::string_view text);
 // Writes `json` compactly, on one line.

@@ -1,3 +1,6 @@
+#include <optional>
+#include <string>
+
 #include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
 #include "contracts/scenarios/RavoScenarioCanonicalizer.h"
 #include "contracts/scenarios/RavoScenarioCatalog.h"
@@ -12,8 +15,26 @@ Record decode(const std::string& text) {
   return Record::fromJSON(parseRavoJSON(text));
 }
 
+// A decoded revision keeps the digest it was written with; one that this system would compute
+// differently is still used, with a warning naming where it came from.
+RavoScenarioRevision checkedRevision(const RavoJSON& json, const std::optional<std::string>& file) {
+  auto revision = RavoScenarioRevision::fromJSON(json);
+  if (!revision.graphDigestMatchesDraft()) {
+    orxCliWarn(file.value_or("standard input") + ": RavoScenarioRevision.graphDigest does not match the draft's graph");
+  }
+  return revision;
+}
+
+RavoScenarioRevision readRevision(const std::optional<std::string>& file) {
+  return checkedRevision(parseRavoJSON(orxCliReadInput(file)), file);
+}
+
 void validate(OrxCliArguments& arguments) {
-  const auto draft = decode<RavoScenarioDraft>(orxCliReadDocument(arguments));
+  const auto file = arguments.nextIfAny();
+  arguments.finish();
+  const RavoJSON json = parseRavoJSON(orxCliReadInput(file));
+  const bool isRevision = json.is_object() && json.contains("graphDigest");
+  const auto draft = isRevision ? checkedRevision(json, file).draft() : RavoScenarioDraft::fromJSON(json);
   RavoJSON issues = RavoJSON::array();
   for (const auto& issue : RavoScenarioCatalog::validate(draft, RavoScenarioBuiltInCatalog::definitions())) {
     issues.push_back(issue.description());
@@ -29,8 +50,8 @@ void diff(OrxCliArguments& arguments) {
   const std::string from = arguments.next("FROM");
   const std::string to = arguments.next("TO");
   arguments.finish();
-  const auto older = decode<RavoScenarioRevision>(orxCliReadInput(from));
-  const auto newer = decode<RavoScenarioRevision>(orxCliReadInput(to));
+  const auto older = readRevision(from);
+  const auto newer = readRevision(to);
   orxCliPrintJSON(RavoScenarioRevisionDiffer::compare(older, newer).toJSON());
 }
 
@@ -52,9 +73,11 @@ int runScenario(OrxCliArguments& arguments) {
 
 constinit const OrxCliCommand kOrxCliScenarioCommand{
     "scenario", "validate [FILE] | digest [FILE] | diff FROM TO", "validate, digest or compare scenarios",
-    "validate  reads a scenario draft as JSON and prints its validation issues against the built-in\n"
-    "          node catalog as a JSON array of texts, empty when the draft is valid.\n"
+    "validate  reads a scenario draft, or a revision, as JSON and prints the draft's validation issues\n"
+    "          against the built-in node catalog as a JSON array of texts, empty when the draft is valid.\n"
     "digest    reads a scenario graph as JSON and prints its 64-hex-digit graph digest.\n"
     "diff      reads two scenario revisions as JSON, the older FROM and the newer TO, and prints\n"
-    "          what changed as JSON.\n",
+    "          what changed as JSON.\n"
+    "A revision whose stored graph digest is not the one computed here for its draft is used as it\n"
+    "stands, with a warning on standard error.\n",
     runScenario};

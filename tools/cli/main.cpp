@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -68,15 +70,16 @@ int run(const OrxCliCommand& command, OrxCliArguments& arguments) {
   }
 }
 
-}  // namespace
+// Results are buffered, so a full disk or a closed pipe may show only when standard output is flushed;
+// a result that was not written whole is a failure, whatever the subcommand answered.
+int finishOutput(int status) {
+  const int error = std::fflush(stdout) != 0 ? errno : std::ferror(stdout) ? EIO : 0;
+  if (error == 0) return status;
+  printError("ravo-orx: could not write standard output: " + std::string(std::strerror(error)));
+  return kRefusedInput;
+}
 
-int main(int argc, char** argv) {
-  // The runtime logs every load, and every load failure, to standard error. The tool keeps standard
-  // error for its own one-line errors, so the runtime's messages are dropped: `status` prints the
-  // load error itself.
-  setOrxLogSink([](OrxLogLevel, std::string_view) {});
-
-  std::vector<std::string> words(argv + 1, argv + argc);
+int dispatch(const std::vector<std::string>& words) {
   if (words.empty()) return usageMistake("ravo-orx", "missing COMMAND");
   if (words.front() == "--help") {
     orxCliPrint(toolHelp());
@@ -87,4 +90,15 @@ int main(int argc, char** argv) {
   if (command == kCommands.end()) return usageMistake("ravo-orx", "unknown command \"" + words.front() + "\"");
   OrxCliArguments arguments(std::vector<std::string>(words.begin() + 1, words.end()));
   return run(**command, arguments);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // The runtime logs every load, and every load failure, to standard error. The tool keeps standard
+  // error for its own one-line errors, so the runtime's messages are dropped: `status` prints the
+  // load error itself.
+  setOrxLogSink([](OrxLogLevel, std::string_view) {});
+
+  return finishOutput(dispatch(std::vector<std::string>(argv + 1, argv + argc)));
 }

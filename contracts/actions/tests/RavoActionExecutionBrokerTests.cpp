@@ -203,6 +203,8 @@ TEST(RavoActionExecutionBroker, SetUpRefusesConflictsUnknownActionsAndInvalidGra
     broker->registerHandler(RavoApplicationActionID("ravo.player.rewind"), [](auto&) { return RavoActionHandlerResult("", ""); });
   });
 
+  EXPECT_THROW(broker->registerHandler(RavoPlayerActionIDs::pause(), RavoActionHandler()), std::invalid_argument);
+
   const std::function<void(RavoActionGrant::Fields&)> invalidGrants[] = {
       [](auto& g) { g.generation = -1; },
       [](auto& g) { g.maxUses = 0; },

@@ -99,12 +99,41 @@ TEST(RavoActionParameterSchema, ParsesTrimmedTextByKind) {
       {Kind::number, "nan", std::nullopt},
       {Kind::number, "inf", std::nullopt},
       {Kind::number, "1e400", std::nullopt},
+      {Kind::number, "-1e400", std::nullopt},
+      // Too small for a double: the parse rounds to a finite zero, which is kept.
+      {Kind::number, "1e-400", Value::number(0.0)},
+      {Kind::number, "+1e-400", Value::number(0.0)},
+      {Kind::number, "1e-99999999999999999999", Value::number(0.0)},
+      {Kind::number, "1e-400x", std::nullopt},
+      {Kind::number, "5e-324", Value::number(std::numeric_limits<double>::denorm_min())},
       {Kind::string, "  hello there \t", Value::string("hello there")},
   };
   for (const auto& c : cases) {
     auto schema = RavoActionParameterSchema({.key = "k", .kind = c.kind});
     EXPECT_EQ(schema.parse(c.text), c.parsed) << ravoLabelText(c.kind) << " \"" << c.text << "\"";
   }
+}
+
+// JSON cannot carry a non-finite limit: nlohmann would write null, and the decoded schema would then
+// accept what the original refused.
+TEST(RavoActionParameterSchema, RefusesToEncodeNonFiniteLimits) {
+  const double nan = std::nan(""), infinity = std::numeric_limits<double>::infinity();
+  const RavoActionParameterSchema::Fields refused[] = {
+      {.key = "k", .kind = Kind::number, .minimum = nan},
+      {.key = "k", .kind = Kind::number, .maximum = infinity},
+      {.key = "k", .kind = Kind::integer, .minimum = -infinity, .maximum = 3.0},
+  };
+  for (const auto& fields : refused) {
+    try {
+      RavoActionParameterSchema(fields).toJSON();
+      ADD_FAILURE() << fields.minimum.value_or(0) << " " << fields.maximum.value_or(0);
+    } catch (const std::invalid_argument& error) {
+      EXPECT_STREQ(error.what(), "non-finite action number");
+    }
+  }
+  EXPECT_EQ(level().toJSON().dump(),
+            R"({"key":"level","kind":"number","required":true,"minimum":0.0,"maximum":1.0,"allowedStrings":[],)"
+            R"("defaultValue":{"kind":"number","number":0.5}})");
 }
 
 TEST(RavoApplicationActionDescriptor, NormalisesItsCollectionsOnConstructionOnly) {

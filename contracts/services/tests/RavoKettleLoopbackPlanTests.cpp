@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <unordered_set>
 
 #include "contracts/services/RavoKettleLoopbackPlan.h"
 
@@ -38,6 +39,15 @@ TEST(RavoKettleLoopbackPlan, ConstructionChecksEachBoundInOrder) {
       EXPECT_EQ(error.code(), c.expected) << c.duration << "/" << c.earlyNotice << "/" << c.poll;
     }
   }
+}
+
+TEST(RavoKettleLoopbackPlan, ErrorsAreEqualAndHashAlikeByTheirCode) {
+  using Error = RavoKettleLoopbackPlan::Error;
+  const std::unordered_set<Error> errors = {Error(Code::invalidDuration), Error(Code::invalidEarlyNotice),
+                                            Error(Code::invalidPollInterval), Error(Code::invalidDuration)};
+  EXPECT_EQ(errors.size(), 3u);
+  EXPECT_TRUE(errors.contains(Error(Code::invalidPollInterval)));
+  EXPECT_EQ(std::hash<Error>{}(Error(Code::invalidEarlyNotice)), std::hash<Error>{}(Error(Code::invalidEarlyNotice)));
 }
 
 TEST(RavoKettleLoopbackPlan, TicksFollowTheScheduleBoundariesIncluded) {

@@ -48,10 +48,13 @@ std::string fileText(const fs::path& path) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// Runs the built tool as its users do, with standard input, output and error redirected to files.
-Outcome run(Words arguments, const std::string& input, const fs::path& workingDirectory = kRoot) {
+// Runs the built tool as its users do, with standard input, output and error redirected to files;
+// standard output goes to `output` when one is named.
+Outcome run(Words arguments, const std::string& input, const fs::path& workingDirectory = kRoot,
+            const fs::path& output = {}) {
   const Scratch scratch("ravo-orx-run-");
-  const auto in = scratch.path / "in", out = scratch.path / "out", err = scratch.path / "err";
+  const auto in = scratch.path / "in", err = scratch.path / "err";
+  const auto out = output.empty() ? scratch.path / "out" : output;
   std::ofstream(in, std::ios::binary) << input;
   arguments.insert(arguments.begin(), ORX_CLI_TOOL);
   std::vector<char*> argv;
@@ -69,7 +72,8 @@ Outcome run(Words arguments, const std::string& input, const fs::path& workingDi
   posix_spawn_file_actions_destroy(&actions);
   int status = 0;
   if (spawned != 0 || ::waitpid(child, &status, 0) != child) return {};
-  return {fileText(out), fileText(err), WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
+  return {output.empty() ? fileText(out) : "", fileText(err),
+          WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
 }
 
 struct Case {
@@ -246,14 +250,16 @@ TEST(RavoOrxTool, Scenario) {
   const fs::path forged = scratch.path / "forged.json";
   std::string revision = fileText(kData + "revision-1.json");
   std::ofstream(forged) << revision.replace(revision.find("\"0cb4"), 5, "\"1cb4");
-  auto diff = [](char to, bool changed, const std::string& addedNodes) {
+  auto diff = [](char to, bool changed, const std::string& addedNodes, bool digestChanged = false) {
     const std::string flag = changed ? "true" : "false";
+    const std::string digestFlag = changed || digestChanged ? "true" : "false";
     return printed(std::string(R"({"fromRevisionID":"00000000-0000-0000-0000-0000000000A1",)") +
                    R"("toRevisionID":"00000000-0000-0000-0000-0000000000A)" + to + R"(","titleChanged":)" + flag +
-                   R"(,"lifecycleChanged":false,"activationRequestChanged":false,"graphDigestChanged":)" + flag +
+                   R"(,"lifecycleChanged":false,"activationRequestChanged":false,"graphDigestChanged":)" + digestFlag +
                    R"(,"addedNodes":[)" + addedNodes + R"(],"removedNodes":[],"changedNodeVersions":[],)" +
                    R"("addedCapabilities":[],"removedCapabilities":[],"edgeCountDelta":0})");
   };
+  const std::string forgedDigest = ": RavoScenarioRevision.graphDigest does not match the draft's graph\n";
   expectOutcomes({
       {{"scenario", "validate", kData + "draft.json"}, "", printed("[]")},
       {{"scenario", "validate"}, fileText(kData + "draft-invalid.json"),
@@ -266,12 +272,35 @@ TEST(RavoOrxTool, Scenario) {
       {{"scenario", "diff", kData + "revision-1.json", kData + "revision-2.json"}, "",
        diff('2', true, R"({"nodeType":"ravo.trigger.manual","nodeVersion":"1.0.0","stableTargetIDs":[]})")},
       {{"scenario", "diff", kData + "revision-1.json", kData + "revision-1.json"}, "", diff('1', false, "")},
+      // A stored digest that differs from the computed one is used as it stands, with a warning.
       {{"scenario", "diff", kData + "revision-1.json", forged.string()}, "",
-       refused("RavoScenarioRevision.graphDigest: does not match the draft's graph")},
+       {diff('1', false, "", true).out, "warning: " + forged.string() + forgedDigest, 0}},
+      {{"scenario", "validate", kData + "revision-1.json"}, "", printed("[]")},
+      {{"scenario", "validate"}, fileText(forged), {"[]\n", "warning: standard input" + forgedDigest, 0}},
       {{"scenario", "diff", kData + "revision-1.json"}, "", misused("scenario", "missing TO")},
       {{"scenario", "merge"}, "",
        misused("scenario", "unknown scenario command \"merge\"; expected validate, digest or diff")},
   });
+}
+
+// A result that cannot be written is a failure of every subcommand, help included.
+TEST(RavoOrxTool, AFailedWriteIsReportedAndExitsOne) {
+  const Outcome full = refused("ravo-orx: could not write standard output: No space left on device");
+  const std::vector<std::pair<Words, std::string>> commands = {
+      {{"--help"}, ""},
+      {{"canon", "--help"}, ""},
+      {{"canon"}, R"({"a":1})"},
+      {{"digest", "ORX_DECISION_EVIDENCE_V1", kData + "evidence-allow.json"}, ""},
+      {{"evidence", kData + "evidence-allow.json"}, ""},
+      {{"status"}, ""},
+      {{"decide", "sync", "501", "20", "5", "10000", "100", "0", "500", "50"}, ""},
+      {{"resolve", "pause"}, ""},
+      {{"shortlist", "pause"}, ""},
+      {{"scenario", "validate", kData + "draft.json"}, ""},
+  };
+  for (const auto& [arguments, input] : commands) {
+    EXPECT_EQ(run(arguments, input, kRoot, "/dev/full"), full) << arguments.front();
+  }
 }
 
 }  // namespace
