@@ -1,6 +1,7 @@
 # Packaging is tested as a user meets it: examples.install installs this tree into a temporary prefix,
 # then each examples.<name> builds examples/<name> against that prefix alone, installs it there and
 # runs it from an empty working directory, so it must find the installed artifacts by itself.
+# examples.pkg_config builds the decisions example once more with ravo-orx.pc's static flags.
 # The README's embedding example is compiled with the tree, so the README cannot drift from the API.
 
 set(orx_examples decisions action_broker pixmor_transport)
@@ -10,7 +11,7 @@ set(orx_example_script ${CMAKE_CURRENT_LIST_DIR}/OrxExampleStep.cmake)
 if(ORX_SANITIZE OR ORX_FUZZ)
   # A program outside this tree would need the tree's sanitizer runtimes to link its instrumented
   # libraries; the plain tree tests the package.
-  foreach(example install ${orx_examples})
+  foreach(example install ${orx_examples} pkg_config)
     add_test(NAME examples.${example}
       COMMAND ${CMAKE_COMMAND} -E echo "examples skipped: sanitizer build trees do not test the package")
     set_tests_properties(examples.${example} PROPERTIES SKIP_REGULAR_EXPRESSION "examples skipped")
@@ -28,6 +29,11 @@ else()
               -P ${orx_example_script})
     set_tests_properties(examples.${example} PROPERTIES FIXTURES_REQUIRED orx_installed_package TIMEOUT 600)
   endforeach()
+  add_test(NAME examples.pkg_config
+    COMMAND ${CMAKE_COMMAND} -DSTEP=pkg-config -DNAME=decisions -DSOURCE=${PROJECT_SOURCE_DIR}/examples/decisions
+            -DWORK=${orx_examples_work} -DLIBDIR=${CMAKE_INSTALL_LIBDIR} -DCXX_COMPILER=${CMAKE_CXX_COMPILER}
+            -P ${orx_example_script})
+  set_tests_properties(examples.pkg_config PROPERTIES FIXTURES_REQUIRED orx_installed_package TIMEOUT 600)
 endif()
 
 # The README's example: the C++ block after the line "<!-- embedding example -->".
