@@ -13,7 +13,10 @@
 
 class OrxPolicyRuntime {
  public:
-  // Loads from `artifactsDirectory`, or from the first bundled location holding "evidence.json".
+  // Loads from `artifactsDirectory`, or from the first location holding "evidence.json" of: "artifacts"
+  // in the working directory, "Resources/ORX" two levels above the executable, the installed artifacts
+  // ("share/ravo-orx/artifacts") of the prefix holding the executable, and those of the prefix this
+  // library was built for.
   explicit OrxPolicyRuntime(std::optional<std::filesystem::path> artifactsDirectory = std::nullopt);
 
   bool isAuthorizationAvailable() const { return decider_.isAuthorizationAvailable(); }
@@ -28,6 +31,17 @@ class OrxPolicyRuntime {
   OrxSyncDecision correctSync(const SyncFacts& facts) { return decider_.correctSync(facts); }
   OrxCinemaAdmissionDecision decideCinemaAdmission(const CinemaAdmissionFacts& facts) {
     return decider_.decideCinemaAdmission(facts);
+  }
+
+  // The same decisions with their source: "policy" or the fail-safe path taken (see OrxDecisionSource).
+  OrxSourcedDecision<OrxAuthorizationDecision> authorizeWithSource(const AuthorizationFacts& facts) {
+    return decider_.authorizeWithSource(facts);
+  }
+  OrxSourcedDecision<OrxSyncDecision> correctSyncWithSource(const SyncFacts& facts) {
+    return decider_.correctSyncWithSource(facts);
+  }
+  OrxSourcedDecision<OrxCinemaAdmissionDecision> decideCinemaAdmissionWithSource(const CinemaAdmissionFacts& facts) {
+    return decider_.decideCinemaAdmissionWithSource(facts);
   }
 
   static bool isValidHostSyncOutput(OrxSyncAction action, std::int32_t rateX1000, std::int32_t correctionMilliseconds,

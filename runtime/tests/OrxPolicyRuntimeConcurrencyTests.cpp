@@ -46,4 +46,50 @@ TEST(OrxPolicyRuntimeConcurrency, EightThreadsGetCorrectAnswersAndAnExactFailure
   EXPECT_EQ(puppets.failureCount(), static_cast<std::uint64_t>(kThreads * kRounds));
 }
 
+// Comparing failureCount() around a call cannot tell whose call failed once threads share a decider;
+// the source returned with each decision can.
+TEST(OrxPolicyRuntimeConcurrency, EightThreadsEachGetTheSourceOfTheirOwnDecision) {
+  using Source = OrxDecisionSource;
+  setOrxLogSink([](OrxLogLevel, std::string_view) {});
+  OrxPolicyDecider puppets(puppetModules());
+  OrxPolicyDecider empty(OrxPolicyModules{});
+  struct Path {
+    OrxPolicyDecider* decider;
+    AuthorizationFacts authorization;
+    SyncFacts sync;
+    CinemaAdmissionFacts cinema;
+    Source source;
+  };
+  const Path paths[] = {
+      {&puppets, kAllowedAuthorization, kNudgeSync, kFullFrameCinema, Source::policy},
+      {&puppets, kTrappingAuthorization, kTrappingSync, kTrappingCinema, Source::trap},
+      {&puppets, kUnechoedAuthorization, kOutOfBandSync, kLiveSafeMetalFXCinema, Source::invalidOutput},
+      {&empty, kAllowedAuthorization, kNudgeSync, kFullFrameCinema, Source::moduleUnavailable},
+  };
+
+  constexpr int kThreads = 8;
+  constexpr int kRounds = 200;
+  std::vector<int> wrong(kThreads, 0);
+  {
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+      threads.emplace_back([&, t] {
+        for (int i = 0; i < kRounds; ++i) {
+          // Threads start at different paths, so neighbours interleave different outcomes.
+          const Path& path = paths[(t + i) % 4];
+          wrong[t] += path.decider->authorizeWithSource(path.authorization).source != path.source;
+          wrong[t] += path.decider->correctSyncWithSource(path.sync).source != path.source;
+          wrong[t] += path.decider->decideCinemaAdmissionWithSource(path.cinema).source != path.source;
+        }
+      });
+    }
+  }
+  setOrxLogSink({});
+  for (int t = 0; t < kThreads; ++t) EXPECT_EQ(wrong[t], 0) << "thread " << t;
+  // A quarter of all rounds took each path; traps and invalid outputs count on the puppets.
+  constexpr std::uint64_t kRoundsPerPath = kThreads * kRounds / 4;
+  EXPECT_EQ(puppets.failureCount(), 2 * 3 * kRoundsPerPath);
+  EXPECT_EQ(empty.failureCount(), 3 * kRoundsPerPath);
+}
+
 }  // namespace
