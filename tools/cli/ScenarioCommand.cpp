@@ -12,13 +12,16 @@ Record decode(const std::string& text) {
   return Record::fromJSON(parseRavoJSON(text));
 }
 
-void validate(OrxCliArguments& arguments) {
+// Issues found are the answer asked for, printed on standard output; exit status 1 lets a script
+// refuse the draft without reading them.
+int validate(OrxCliArguments& arguments) {
   const auto draft = decode<RavoScenarioDraft>(orxCliReadDocument(arguments));
   RavoJSON issues = RavoJSON::array();
   for (const auto& issue : RavoScenarioCatalog::validate(draft, RavoScenarioBuiltInCatalog::definitions())) {
     issues.push_back(issue.description());
   }
   orxCliPrintJSON(issues);
+  return issues.empty() ? 0 : kOrxCliRefusedInput;
 }
 
 void digest(OrxCliArguments& arguments) {
@@ -36,9 +39,8 @@ void diff(OrxCliArguments& arguments) {
 
 int runScenario(OrxCliArguments& arguments) {
   const std::string action = arguments.next("validate, digest or diff");
-  if (action == "validate") {
-    validate(arguments);
-  } else if (action == "digest") {
+  if (action == "validate") return validate(arguments);
+  if (action == "digest") {
     digest(arguments);
   } else if (action == "diff") {
     diff(arguments);
@@ -53,7 +55,8 @@ int runScenario(OrxCliArguments& arguments) {
 constinit const OrxCliCommand kOrxCliScenarioCommand{
     "scenario", "validate [FILE] | digest [FILE] | diff FROM TO", "validate, digest or compare scenarios",
     "validate  reads a scenario draft as JSON and prints its validation issues against the built-in\n"
-    "          node catalog as a JSON array of texts, empty when the draft is valid.\n"
+    "          node catalog as a JSON array of texts, empty when the draft is valid; exits with\n"
+    "          status 1 when it lists any.\n"
     "digest    reads a scenario graph as JSON and prints its 64-hex-digit graph digest.\n"
     "diff      reads two scenario revisions as JSON, the older FROM and the newer TO, and prints\n"
     "          what changed as JSON.\n",

@@ -92,15 +92,29 @@ void expectOutcomes(const std::vector<Case>& cases, const fs::path& workingDirec
   }
 }
 
-TEST(RavoOrxTool, HelpAndCommands) {
-  expectOutcomes({{{}, "", {"", "ravo-orx: missing COMMAND (see 'ravo-orx --help')\n", 2}},
-                  {{"frob"}, "", {"", "ravo-orx: unknown command \"frob\" (see 'ravo-orx --help')\n", 2}}});
+TEST(RavoOrxTool, HelpVersionAndCommands) {
   const std::string toolHelp = run({"--help"}, "").out;
+  ASSERT_TRUE(toolHelp.starts_with("usage: ravo-orx COMMAND [ARGUMENTS]\n")) << toolHelp;
+  expectOutcomes({{{}, "", {"", toolHelp, 2}},
+                  {{"-h"}, "", {toolHelp, "", 0}},
+                  {{"--version"}, "", printed("ravo-orx 1.0.0")},
+                  {{"version"}, "", printed("ravo-orx 1.0.0")},
+                  {{"version", "x"}, "", misused("version", "unexpected argument \"x\"")},
+                  {{"frob"}, "", {"", "ravo-orx: unknown command \"frob\" (see 'ravo-orx --help')\n", 2}},
+                  {{"policy"}, "", misused("policy", "missing SUBCOMMAND")},
+                  {{"policy", "frob"}, "", misused("policy", "unknown subcommand \"frob\"")}});
   for (const std::string command :
-       {"canon", "digest", "evidence", "status", "decide", "resolve", "shortlist", "scenario"}) {
-    const auto outcome = run({command, "--help"}, "");
-    EXPECT_TRUE(outcome.out.starts_with("usage: ravo-orx " + command + " ") && outcome.status == 0) << outcome;
+       {"canon", "digest", "evidence", "status", "decide", "policy", "resolve", "shortlist", "scenario"}) {
+    for (const std::string help : {"--help", "-h"}) {
+      const auto outcome = run({command, help}, "");
+      EXPECT_TRUE(outcome.out.starts_with("usage: ravo-orx " + command + " ") && outcome.status == 0) << outcome;
+    }
     EXPECT_NE(toolHelp.find("\n  " + command + " "), std::string::npos) << command;
+  }
+  for (const std::string subcommand : {"check", "test", "eval", "bench", "build"}) {
+    const auto outcome = run({"policy", subcommand, "-h"}, "");
+    EXPECT_TRUE(outcome.out.starts_with("usage: ravo-orx policy " + subcommand + " ") && outcome.status == 0)
+        << outcome;
   }
 }
 
@@ -109,6 +123,7 @@ TEST(RavoOrxTool, Canon) {
   expectOutcomes({
       {{"canon"}, R"({ "b": [1, true], "a": "\u00e9" })", printed(R"({"a":"é","b":[1,true]})")},
       {{"canon", kData + "evidence-allow.json"}, "", printed(evidence)},
+      {{"canon", "-"}, "[2,1]", printed("[2,1]")},
       {{"canon"}, "[1.5]", refused("orx.v051.parse_invalid: floating JSON numbers are not canonical ORX values")},
       {{"canon", "/nonexistent.json"}, "", refused("could not read /nonexistent.json: No such file or directory")},
       {{"canon", "--pretty"}, "", misused("canon", "unknown option --pretty")},
@@ -180,6 +195,10 @@ TEST(RavoOrxTool, Status) {
   expectOutcomes({{{"status"}, "", {unavailable + "Bundled ORX artifacts were not found\n", "", 1}}}, scratch.path);
 }
 
+const std::string kPlaysFacts =
+    R"({"role": 2, "command": 6, "grantFlags": 63, "tokenAgeMilliseconds": 1000, "tokenTTLMilliseconds": 900000,)"
+    R"( "rateUsed": 0, "rateLimit": 600, "controlMode": 1})";
+
 TEST(RavoOrxTool, Decide) {
   const Words plays{"decide", "authz", "2", "6", "63", "1000", "900000", "0", "600", "1"};
   auto with = [](Words words, const Words& extra) {
@@ -188,15 +207,28 @@ TEST(RavoOrxTool, Decide) {
   };
   const std::string factRange = " must be an integer from -2147483648 to 2147483647, got ";
   expectOutcomes({
-      {plays, "", printed(R"({"isAllowed":true,"reason":"allowed","policyVersion":3})")},
+      {plays, "", printed(R"({"isAllowed":true,"reason":"allowed","policyVersion":3,"source":"policy"})")},
       {{"decide", "sync", "501", "20", "5", "10000", "100", "0", "500", "50"}, "",
-       printed(R"({"action":"seek","rateX1000":1000,"correctionMilliseconds":-501,"reason":4})")},
+       printed(R"({"action":"seek","rateX1000":1000,"correctionMilliseconds":-501,"reason":4,"source":"policy"})")},
       {{"decide", "--artifacts=artifacts", "cinema", "2500", "2500", "5000", "0", "0", "0", "20", "0", "0", "50", "20",
         "5000", "3"}, "",
        printed(R"({"route":"sparseAnchorResearch","sparseAnchorIntervalFrames":22,)"
-               R"("safeBudgetTenthsMilliseconds":272,"reason":"sparseResearch"})")},
+               R"("safeBudgetTenthsMilliseconds":272,"reason":"sparseResearch","source":"policy"})")},
       {with(plays, {"--artifacts", "/nonexistent"}), "",
-       printed(R"({"isAllowed":false,"reason":"runtimeUnavailable","policyVersion":0})")},
+       {R"({"isAllowed":false,"reason":"runtimeUnavailable","policyVersion":0,"source":"moduleUnavailable"})"
+        "\n",
+        "ravo-orx decide: warning: the policy artifacts did not load: could not read /nonexistent/evidence.json: No "
+        "such file or directory\n",
+        3}},
+      {{"decide", "--facts", "-", "authz"}, kPlaysFacts,
+       printed(R"({"isAllowed":true,"reason":"allowed","policyVersion":3,"source":"policy"})")},
+      {{"decide", "authz", "--facts", "-"}, R"({"role": 2})", misused("decide", "missing fact \"command\"")},
+      {{"decide", "authz", "--facts", "-"}, R"({"role": 2, "rolee": 1})",
+       misused("decide", "unknown fact \"rolee\" for authz")},
+      {{"decide", "authz", "--facts", "-"}, R"({"role": 2.5})",
+       misused("decide", "fact \"role\"" + factRange + "2.5")},
+      {{"decide", "authz", "--facts", "-"}, "[1]", refused("facts: expected a JSON object keyed by the fact names")},
+      {{"decide", "authz", "--facts", "-", "1"}, "", misused("decide", "unexpected argument \"1\"")},
       {{"decide", "authz", "1", "2", "3"}, "", misused("decide", "authz takes 8 facts, got 3")},
       {{"decide", "sync", "1.5"}, "", misused("decide", "fact 1" + factRange + "\"1.5\"")},
       {{"decide", "sync", "0", "2147483648"}, "", misused("decide", "fact 2" + factRange + "\"2147483648\"")},
@@ -256,8 +288,8 @@ TEST(RavoOrxTool, Scenario) {
   };
   expectOutcomes({
       {{"scenario", "validate", kData + "draft.json"}, "", printed("[]")},
-      {{"scenario", "validate"}, fileText(kData + "draft-invalid.json"),
-       printed("[\"missingCapability(ravo.audio.volume)\",\"missingInputKey\",\"cycleDetected\"]")},
+      {{"scenario", "validate", "-"}, fileText(kData + "draft-invalid.json"),
+       {"[\"missingCapability(ravo.audio.volume)\",\"missingInputKey\",\"cycleDetected\"]\n", "", 1}},
       {{"scenario", "validate"}, "[]", refused("RavoScenarioDraft: expected an object, found an array")},
       // Cross-checked with Python: SHA-256 of json.dumps(graph, sort_keys=True, separators=(",", ":")).
       {{"scenario", "digest", kData + "graph.json"}, "",
