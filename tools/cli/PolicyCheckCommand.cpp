@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "runtime/OrxArtifactFiles.h"
 #include "tools/cli/OrxCliCommand.h"
 #include "tools/cli/OrxCliIO.h"
 #include "tools/cli/OrxCliPolicyModule.h"
@@ -46,11 +45,19 @@ std::optional<std::string> contractProblem(const OrxModuleInterface& interface,
 }
 
 int runCheck(OrxCliArguments& arguments) {
-  const auto module = OrxCliPolicyModule::read(arguments.next("MODULE"));
+  const std::string moduleFile = arguments.next("MODULE");
   const auto manifestFile = arguments.nextIfAny();
   arguments.finish();
+  if (moduleFile == "-" && manifestFile == "-") {
+    throw OrxCliUsageError("MODULE and MANIFEST cannot both be standard input");
+  }
+  const auto module = OrxCliPolicyModule::read(moduleFile);
   std::optional<OrxPolicyManifest> manifest;
-  if (manifestFile) manifest = OrxPolicyManifest::decode(readArtifactFile(*manifestFile), *manifestFile);
+  if (manifestFile) {
+    const std::string text = orxCliReadInput(manifestFile);
+    manifest = OrxPolicyManifest::decode(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()),
+                                         *manifestFile == "-" ? "standard input" : *manifestFile);
+  }
 
   const std::string name = manifest ? manifest->module : std::filesystem::path(module.file).stem().string();
   const auto loaded = module.load(name, /*allowPrecompiled=*/true);  // the host's refusal ends the check
@@ -75,11 +82,11 @@ int runCheck(OrxCliArguments& arguments) {
 
 constinit const OrxCliCommand kOrxCliPolicyCheckCommand{
     "check", "MODULE.wasm [MANIFEST]", "load a module as the runtime would and describe it",
-    "Loads MODULE ('-' for standard input) through the runtime's module host, budgets and\n"
-    "bounded-execution verifier, and prints its SHA-256, its imports and exports, whether this build\n"
-    "approves its digest, how its execution is bounded and the tier it would run on. It then checks the\n"
-    "import/export contract: against MANIFEST's imports and decide signature when given, otherwise the\n"
-    "contract every policy module keeps (one import output.emit, an export decide taking 8 or 13 i32\n"
-    "facts). Exit status 0 when the module is admitted, 1 when the host refuses it (its own text on\n"
-    "standard error) or the contract does not hold.\n",
+    "Loads MODULE through the runtime's module host, budgets and bounded-execution verifier, and\n"
+    "prints its SHA-256, its imports and exports, whether this build approves its digest, how its\n"
+    "execution is bounded and the tier it would run on. It then checks the import/export contract:\n"
+    "against MANIFEST's imports and decide signature when given, otherwise the contract every policy\n"
+    "module keeps (one import output.emit, an export decide taking 8 or 13 i32 facts). Either file may\n"
+    "be '-' for standard input. Exit status 0 when the module is admitted, 1 when the host refuses it\n"
+    "(its own text on standard error) or the contract does not hold.\n",
     runCheck};

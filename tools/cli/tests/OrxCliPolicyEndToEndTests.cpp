@@ -147,6 +147,13 @@ TEST(RavoOrxPolicy, Check) {
             "i32, i32, i32, i32, i32) -> (i32)\n",
         authz + ": no export func decide(i32, i32, i32, i32, i32, i32, i32, i32, i32, i32, i32, i32, i32) -> (i32)\n",
         1}},
+      {{"policy", "check", "-", "policies/player_authz.manifest.json"}, fileText(kRoot / authz),
+       printed("module     standard input" + description.substr(description.find('\n')) +
+               "tier       precompiled\ncontract   matches policies/player_authz.manifest.json")},
+      {{"policy", "check", authz, "-"}, "{}",
+       refused("standard input: [json.exception.out_of_range.403] key 'module' not found")},
+      {{"policy", "check", "-", "-"}, "",
+       misused("policy check", "MODULE and MANIFEST cannot both be standard input")},
       {{"policy", "check", modules.loop()}, "",
        refused("Could not instantiate ORX module loop: VerifierError: execution cannot be bounded because it contains "
                "a loop")},
