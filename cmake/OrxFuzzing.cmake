@@ -1,5 +1,6 @@
-# orx_add_fuzzer(NAME SOURCES ... LIBRARIES ... CORPUS dir)
-# A libFuzzer target (clang only, ORX_FUZZ=ON). ctest runs it for ORX_FUZZ_SECONDS on a copy of its
+# orx_add_fuzzer(NAME SOURCES ... LIBRARIES ... CORPUS dir [TIMEOUT seconds] [RSS_LIMIT_MB megabytes])
+# A libFuzzer target (clang only, ORX_FUZZ=ON). An input slower than TIMEOUT (default 25 s) or a
+# process grown past RSS_LIMIT_MB (default 4096) is a finding, like a crash. ctest runs it for ORX_FUZZ_SECONDS on a copy of its
 # committed seed corpus inside the build tree, so fuzzing never writes into the source tree.
 add_custom_target(orx_fuzzers)
 set(ORX_FUZZ_SECONDS 30 CACHE STRING "Seconds each fuzz target runs under ctest")
@@ -8,7 +9,13 @@ function(orx_add_fuzzer name)
   if(NOT ORX_FUZZ)
     return()
   endif()
-  cmake_parse_arguments(ARG "" "CORPUS" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(ARG "" "CORPUS;TIMEOUT;RSS_LIMIT_MB" "SOURCES;LIBRARIES" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 25)
+  endif()
+  if(NOT ARG_RSS_LIMIT_MB)
+    set(ARG_RSS_LIMIT_MB 4096)
+  endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES})
   target_link_options(${name} PRIVATE -fsanitize=fuzzer)
@@ -20,7 +27,7 @@ function(orx_add_fuzzer name)
     COMMAND ${CMAKE_COMMAND} -E env ASAN_OPTIONS=detect_leaks=1
             sh -c "mkdir -p '${work}/corpus' '${work}/findings' && cp -r '${ARG_CORPUS}/.' '${work}/corpus/' && \
                    '$<TARGET_FILE:${name}>' -max_total_time=${ORX_FUZZ_SECONDS} -print_final_stats=1 \
-                   -rss_limit_mb=4096 -artifact_prefix='${work}/findings/' '${work}/corpus' \
+                   -timeout=${ARG_TIMEOUT} -rss_limit_mb=${ARG_RSS_LIMIT_MB} -artifact_prefix='${work}/findings/' '${work}/corpus' \
                    >'${work}/fuzz.log' 2>&1; status=$?; tail -n 30 '${work}/fuzz.log'; exit $status")
   math(EXPR timeout "${ORX_FUZZ_SECONDS} + 300")
   set_tests_properties(${name} PROPERTIES LABELS fuzz TIMEOUT ${timeout})

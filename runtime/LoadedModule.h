@@ -15,8 +15,9 @@ enum class OrxExecutionTier { interpreted, precompiled };
 
 class LoadedModule {
  public:
-  // Parses, validates and verifies the bytes, then binds precompiled code when the build compiled a
-  // module with their digest (unless `allowPrecompiled` is false) and the interpreter otherwise.
+  // Checks the load budgets, parses and validates the bytes (metering them unless they are statically
+  // bounded), then binds precompiled code when the build compiled a module with their digest (unless
+  // `allowPrecompiled` is false) and the interpreter otherwise. The digest is of the bytes as given.
   // Throws RuntimeError: "Could not instantiate ORX module <name>: <engine text>" or
   // "ORX module <name> has no decide export".
   static std::unique_ptr<LoadedModule> instantiate(std::string_view name, std::span<const std::uint8_t> bytes,

@@ -32,15 +32,16 @@ class OrxModuleInstance {
 
 struct OrxInstantiationFailure {
   enum class Kind {
-    invalidModule,   // not WebAssembly, invalid, refused by the verifier, or linking/instantiation failed
+    invalidModule,   // not WebAssembly, invalid, over a load budget, or linking/instantiation failed
     noDecideExport,  // instantiated, but exports no `decide`
   };
   Kind kind;
   std::string detail;  // the engine's text for invalidModule
 };
 
-// Parses, validates and verifies bounded execution, then links `output.emit` and instantiates the
-// module in wabt's interpreter. On failure returns null and fills `failure`.
+// Checks the load budgets, parses and validates, meters the module unless it is statically bounded,
+// then links `output.emit` and instantiates it in wabt's interpreter. On failure returns null and fills
+// `failure`.
 std::unique_ptr<OrxModuleInstance> instantiateInterpretedModule(const std::uint8_t* bytes, std::size_t size,
                                                                 OrxInstantiationFailure& failure);
 
@@ -55,3 +56,19 @@ struct OrxModuleInterface {
   std::vector<std::string> exports;
 };
 std::optional<OrxModuleInterface> describeModuleInterface(const std::uint8_t* bytes, std::size_t size);
+
+// How the host bounds a module's calls. A statically bounded module (no loop, recursion, indirect call
+// or bulk operation, and a proven worst case within the execution budget) runs as it is; any other runs
+// metered, with fuel charged for loops, calls and bytes moved, and traps "RuntimeError: execution
+// budget exhausted" when a call runs out. Nothing when the host would refuse the bytes.
+struct OrxExecutionBound {
+  bool bounded = false;
+  std::uint64_t worstCaseFuel = 0;  // the proven cost of the costliest call, in fuel units, when bounded
+  std::uint64_t fuelPerCall = 0;    // the execution budget of every call
+  std::string meteringReason;       // why a module is metered, e.g. "it contains a loop"
+};
+std::optional<OrxExecutionBound> describeExecutionBound(const std::uint8_t* bytes, std::size_t size);
+
+// The bytes the host runs for a module: the bytes themselves when statically bounded, else their metered
+// rewrite; nothing when the host would refuse them. The build translates these for native code.
+std::optional<std::vector<std::uint8_t>> executedModuleBytes(const std::uint8_t* bytes, std::size_t size);

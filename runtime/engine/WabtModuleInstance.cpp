@@ -4,23 +4,28 @@
 // `output.emit` stores all its arguments and returns 0, replacing what an earlier call stored; the
 // emitted list is reset before every `decide` call; values a script would not see as numbers are
 // dropped. Because a module may declare any signature, values cross the boundary as a script host
-// would convert them:
-//   emit parameters   i32 as is; f32/f64 by ToInt32; i64 (a BigInt to a script) and references are
-//                     dropped; v128 makes the call fail with a TypeError.
-//   emit results      none; one i32/f32/f64 receives 0, one externref null; i64, funcref, v128 or
-//                     several results make the call fail with a TypeError (0 is neither a BigInt, a
-//                     function nor iterable).
-//   decide parameters i32 receives the argument (0 when missing); f32/f64 the argument as a number
-//                     (NaN when missing); externref null; i64, funcref and v128 fail with a TypeError.
-//   decide results    none: no result; one i32 as is, f32/f64 by ToInt32, i64 its low 32 bits;
-//                     references and several results give 0 (ToInt32 of an object or array).
+// would convert them (a BigInt is what a script sees for an i64, and ToInt32 of a BigInt throws):
+//
+//   | crossing          | i32   | f32, f64       | i64        | externref | funcref   | v128      | several  |
+//   |-------------------|-------|----------------|------------|-----------|-----------|-----------|----------|
+//   | emit parameter    | as is | ToInt32        | dropped    | dropped   | dropped   | TypeError | -        |
+//   | emit result       | 0     | 0              | TypeError  | null      | TypeError | TypeError | TypeError|
+//   | decide parameter  | arg   | arg (NaN when  | TypeError  | null      | TypeError | TypeError | -        |
+//   |                   | (0)   | missing)       |            |           |           |           |          |
+//   | decide result     | as is | ToInt32        | TypeError  | 0         | 0         | TypeError | 0        |
+//
+// "arg (0)": the argument, 0 when the caller passed fewer; an emit result is the 0 emit returns; a
+// decide result of a reference or of several values (an array to a script) converts to 0. A TypeError
+// fails the call like a trap; emitted values stored before it stay. No result at all (decide returns
+// nothing) is reported as no result.
 
 #include <wabt/interp/interp.h>
 
 #include <cmath>
 
 #include "runtime/OrxModuleInstance.h"
-#include "runtime/engine/OrxBoundedExecutionVerifier.h"
+#include "runtime/engine/OrxExecutionBound.h"
+#include "runtime/engine/OrxFuelMetering.h"
 #include "runtime/engine/ScriptNumberConversion.h"
 #include "runtime/engine/WabtModuleReader.h"
 
@@ -38,41 +43,58 @@ class WabtModuleInstance final : public OrxModuleInstance {
   // Returns false and fills `failure` when the module cannot be instantiated.
   bool instantiate(const std::uint8_t* bytes, std::size_t size, OrxInstantiationFailure& failure) {
     ModuleDesc desc;
-    if (auto refusal = readWabtModule(bytes, size, store_.features(), desc)) return fail(failure, std::move(*refusal));
-    if (auto refusal = verifyBoundedExecution(bytes, size)) {
-      return fail(failure, "VerifierError: execution cannot be bounded because " + *refusal);
+    OrxCodeAnalysis analysis;
+    if (auto refusal = readWabtModule(bytes, size, store_.features(), desc, analysis)) {
+      return fail(failure, std::move(*refusal));
     }
-
-    module_ = Module::New(store_, std::move(desc));
-    RefVec imports;
-    for (const auto& import : module_->desc().imports) {
+    for (const auto& import : desc.imports) {
       const auto& type = import.type;
       if (type.module != "output" || type.name != "emit" || type.type->kind != ExternKind::Func) {
         return fail(failure, "LinkError: import " + type.module + "." + type.name +
                                  " is not provided (only the function output.emit is)");
       }
-      imports.push_back(makeEmit(*wabt::cast<FuncType>(type.type.get())).ref());
+    }
+    if (!analysis.bounded) {
+      std::vector<std::uint8_t> metered;
+      if (auto refusal = meterModule(bytes, size, metered)) return fail(failure, std::move(*refusal));
+      desc = ModuleDesc{};
+      if (auto refusal = readValidatedModule(metered.data(), metered.size(), store_.features(), desc)) {
+        return fail(failure, std::move(*refusal));
+      }
     }
 
+    module_ = Module::New(store_, std::move(desc));
+    RefVec imports;
+    for (const auto& import : module_->desc().imports) {
+      imports.push_back(makeEmit(*wabt::cast<FuncType>(import.type.type.get())).ref());
+    }
     Trap::Ptr trap;
     instance_ = Instance::Instantiate(store_, module_.ref(), imports, &trap);
-    if (!instance_) {
-      return fail(failure, "RuntimeError: " + (trap ? trap->message() : std::string("instantiation failed")));
-    }
+    if (!instance_) return fail(failure, trapText(trap));
+    thread_ = std::make_unique<Thread>(store_);
 
     bool found = false;
+    Func::Ptr start;
     const auto& exports = module_->export_types();
     for (size_t i = 0; i < exports.size(); ++i) {
+      const Ref ref = instance_->exports()[i];
+      if (exports[i].name == kOrxFuelExport) fuel_ = store_.UnsafeGet<Global>(ref);
+      if (exports[i].name == kOrxStackExport) stack_ = store_.UnsafeGet<Global>(ref);
+      if (exports[i].name == kOrxStartExport) start = store_.UnsafeGet<Func>(ref);
       if (exports[i].name != "decide") continue;
       found = true;
       // An export named decide that is not a function exists but cannot be called, as in a script.
-      if (exports[i].type->kind == ExternKind::Func) decide_ = store_.UnsafeGet<Func>(instance_->exports()[i]);
+      if (exports[i].type->kind == ExternKind::Func) decide_ = store_.UnsafeGet<Func>(ref);
+    }
+    // A metered module's start function runs here, under the budgets, as part of instantiation.
+    if (start) {
+      Values none;
+      if (wabt::Failed(start->Call(*thread_, none, none, &trap))) return fail(failure, trapText(trap));
     }
     if (!found) {
       failure = {OrxInstantiationFailure::Kind::noDecideExport, {}};
       return false;
     }
-    thread_ = std::make_unique<Thread>(store_);
     return true;
   }
 
@@ -87,10 +109,10 @@ class WabtModuleInstance final : public OrxModuleInstance {
       invocation.error = kTypeError;
     } else {
       results_.clear();
+      resetBudgets();
       Trap::Ptr trap;
       if (wabt::Failed(decide_->Call(*thread_, params_, results_, &trap))) {
-        invocation.error = typeErrorRaised_ ? std::string(kTypeError)
-                                            : "RuntimeError: " + (trap ? trap->message() : std::string("unknown trap"));
+        invocation.error = typeErrorRaised_ ? std::string(kTypeError) : trapText(trap);
         // A trap unwinds nothing: the interpreter thread keeps the failed call's frames and values,
         // and reusing it would shift every later call's locals. Start the next call on a fresh one.
         thread_ = std::make_unique<Thread>(store_);
@@ -98,6 +120,8 @@ class WabtModuleInstance final : public OrxModuleInstance {
         // keeps failing would grow the store by a trap per decision for the runtime's whole life.
         trap.reset();
         store_.Collect();
+      } else if (returnsBigInt()) {
+        invocation.error = kTypeError;  // ToInt32 of a BigInt throws once the call has returned
       } else {
         invocation.result = convertResult();
       }
@@ -107,6 +131,20 @@ class WabtModuleInstance final : public OrxModuleInstance {
   }
 
  private:
+  void resetBudgets() {
+    if (fuel_) fuel_->UnsafeSet(Value::Make(u64{kOrxFuelPerCall}));
+    if (stack_) stack_->UnsafeSet(Value::Make(u32{0}));
+  }
+
+  // The trap's text as a script sees it; a metered module's budget traps are told apart from its own
+  // `unreachable` by the budget globals (OrxFuelMetering.h).
+  std::string trapText(const Trap::Ptr& trap) const {
+    if (fuel_ && stack_) {
+      if (auto budget = budgetTrapText(fuel_->Get().Get<s64>(), stack_->Get().Get<u32>())) return *budget;
+    }
+    return "RuntimeError: " + (trap ? trap->message() : std::string("unknown trap"));
+  }
+
   static bool fail(OrxInstantiationFailure& failure, std::string detail) {
     failure = {OrxInstantiationFailure::Kind::invalidModule, std::move(detail)};
     return false;
@@ -153,6 +191,9 @@ class WabtModuleInstance final : public OrxModuleInstance {
   }
 
   bool packArguments(const std::int32_t* arguments, std::size_t count) {
+    for (Type result : decide_->type().results) {
+      if (result == Type::V128) return false;  // a script cannot call a function with v128 in its type
+    }
     const auto& types = decide_->type().params;
     params_.resize(types.size());
     for (size_t i = 0; i < types.size(); ++i) {
@@ -169,13 +210,17 @@ class WabtModuleInstance final : public OrxModuleInstance {
     return true;
   }
 
+  bool returnsBigInt() const {
+    const auto& types = decide_->type().results;
+    return types.size() == 1 && types[0] == Type::I64;
+  }
+
   std::optional<std::int32_t> convertResult() const {
     const auto& types = decide_->type().results;
     if (types.empty()) return std::nullopt;
     if (types.size() > 1) return 0;  // several results reach a script as an array
     switch (types[0]) {
       case Type::I32: return results_[0].Get<s32>();
-      case Type::I64: return static_cast<std::int32_t>(static_cast<std::uint32_t>(results_[0].Get<u64>()));
       case Type::F32: return scriptToInt32(results_[0].Get<f32>());
       case Type::F64: return scriptToInt32(results_[0].Get<f64>());
       default: return 0;
@@ -186,6 +231,8 @@ class WabtModuleInstance final : public OrxModuleInstance {
   Module::Ptr module_;
   Instance::Ptr instance_;
   Func::Ptr decide_;
+  Global::Ptr fuel_;   // the budgets of a metered module; null when it runs unmetered
+  Global::Ptr stack_;
   std::unique_ptr<Thread> thread_;
   Values params_;   // reused across calls: no allocation per decision
   Values results_;

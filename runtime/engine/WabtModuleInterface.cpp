@@ -1,6 +1,7 @@
 #include <wabt/interp/interp.h>
 
 #include "runtime/OrxModuleInstance.h"
+#include "runtime/engine/OrxFuelMetering.h"
 #include "runtime/engine/WabtModuleReader.h"
 
 namespace {
@@ -26,11 +27,29 @@ std::string describe(const std::string& name, const ExternType& type) {
 
 std::optional<OrxModuleInterface> describeModuleInterface(const std::uint8_t* bytes, std::size_t size) {
   ModuleDesc desc;
-  if (readWabtModule(bytes, size, wabt::Features{}, desc)) return std::nullopt;
+  OrxCodeAnalysis analysis;
+  if (readWabtModule(bytes, size, wabt::Features{}, desc, analysis)) return std::nullopt;
   OrxModuleInterface interface;
   for (const auto& import : desc.imports) {
     interface.imports.push_back(describe(import.type.module + "." + import.type.name, *import.type.type));
   }
   for (const auto& export_ : desc.exports) interface.exports.push_back(describe(export_.type.name, *export_.type.type));
   return interface;
+}
+
+std::optional<OrxExecutionBound> describeExecutionBound(const std::uint8_t* bytes, std::size_t size) {
+  ModuleDesc desc;
+  OrxCodeAnalysis analysis;
+  if (readWabtModule(bytes, size, wabt::Features{}, desc, analysis)) return std::nullopt;
+  return OrxExecutionBound{analysis.bounded, analysis.worstCaseCost, kOrxFuelPerCall, analysis.meteringReason};
+}
+
+std::optional<std::vector<std::uint8_t>> executedModuleBytes(const std::uint8_t* bytes, std::size_t size) {
+  ModuleDesc desc;
+  OrxCodeAnalysis analysis;
+  if (readWabtModule(bytes, size, wabt::Features{}, desc, analysis)) return std::nullopt;
+  if (analysis.bounded) return std::vector<std::uint8_t>(bytes, bytes + size);
+  std::vector<std::uint8_t> metered;
+  if (meterModule(bytes, size, metered)) return std::nullopt;
+  return metered;
 }

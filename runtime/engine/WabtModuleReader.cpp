@@ -4,16 +4,29 @@
 #include <wabt/error-formatter.h>
 #include <wabt/interp/binary-reader-interp.h>
 
-#include "runtime/engine/OrxDeclaredCountCheck.h"
+#include "runtime/engine/OrxLoadBudgets.h"
 
 std::optional<std::string> readWabtModule(const std::uint8_t* bytes, std::size_t size, const wabt::Features& features,
-                                          wabt::interp::ModuleDesc& desc) {
-  if (auto implausible = findImplausibleDataCount(bytes, size)) return "CompileError: " + *implausible;
+                                          wabt::interp::ModuleDesc& desc, OrxCodeAnalysis& analysis) {
+  if (auto exceeded = checkLoadBudgets(bytes, size)) return "CompileError: " + *exceeded;
+  analysis = analyzeCode(bytes, size);
+  if (analysis.overBudget) return "CompileError: " + *analysis.overBudget;
+  if (auto refusal = readValidatedModule(bytes, size, features, desc)) return refusal;
+  if (!analysis.readable) return "CompileError: the module's code could not be analysed";
+  return std::nullopt;
+}
+
+std::optional<std::string> readValidatedModule(const std::uint8_t* bytes, std::size_t size,
+                                               const wabt::Features& features, wabt::interp::ModuleDesc& desc) {
   wabt::Errors errors;
   wabt::ReadBinaryOptions options(features, nullptr, false, true, false);
   if (wabt::Succeeded(wabt::interp::ReadBinaryInterp("module", bytes, size, options, &errors, &desc))) {
     return std::nullopt;
   }
+  return wabtCompileError(errors);
+}
+
+std::string wabtCompileError(const wabt::Errors& errors) {
   std::string text = wabt::FormatErrorsToString(errors, wabt::Location::Type::Binary);
   while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
   return "CompileError: " + text;

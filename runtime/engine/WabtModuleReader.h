@@ -1,8 +1,9 @@
 #pragma once
-// The one way the engine reads module bytes into wabt's description of a module: first the check of
-// declared counts that wabt's reader would reserve memory for (OrxDeclaredCountCheck.h), then wabt's
-// own reading and validation.
+// The one way the engine reads module bytes: the load budgets on the raw bytes (OrxLoadBudgets.h), the
+// code analysis with its own budgets (OrxExecutionBound.h), then wabt's reading and validation into
+// its description of a module.
 
+#include <wabt/error.h>
 #include <wabt/interp/interp.h>
 
 #include <cstddef>
@@ -10,6 +11,15 @@
 #include <optional>
 #include <string>
 
-// Nothing when `desc` now describes the module; otherwise the refusal, "CompileError: …".
+#include "runtime/engine/OrxExecutionBound.h"
+
+// Nothing when `desc` and `analysis` now describe the module; otherwise the refusal, "CompileError: …".
 std::optional<std::string> readWabtModule(const std::uint8_t* bytes, std::size_t size, const wabt::Features& features,
-                                          wabt::interp::ModuleDesc& desc);
+                                          wabt::interp::ModuleDesc& desc, OrxCodeAnalysis& analysis);
+
+// wabt's reading and validation alone, for bytes the host produced itself (a metered module).
+std::optional<std::string> readValidatedModule(const std::uint8_t* bytes, std::size_t size,
+                                               const wabt::Features& features, wabt::interp::ModuleDesc& desc);
+
+// wabt's errors as one refusal text, "CompileError: …".
+std::string wabtCompileError(const wabt::Errors& errors);

@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <map>
+#include <optional>
+#include <string>
 #include <random>
 #include <thread>
 #include <vector>
@@ -11,6 +14,7 @@
 #include "runtime/LoadedModule.h"
 #include "runtime/OrxPolicyRuntime.h"
 #include "runtime/engine/wasm2c/PrecompiledTrap.h"
+#include "runtime/tests/MeteredTestModules.h"
 #include "runtime/tests/WatAssembler.h"
 
 extern "C" void wasm_rt_trap(int code);  // the wasm2c runtime's trap entry, routed to the thread's target
@@ -56,6 +60,66 @@ TEST(OrxPrecompiledTier, AgreesWithTheInterpreterOnEveryGeneratedFact) {
       }
     }
   }
+}
+
+// Metered code behaves alike on both tiers too, budgets included: the same results, emissions, growth
+// refusals and traps. A trap's text on the native tier is the interpreter's without its detail (wasm2c
+// reports only the kind of an out-of-bounds access).
+TEST(OrxPrecompiledTier, AgreesWithTheInterpreterOnMeteredModules) {
+  struct Call {
+    const char* module;
+    std::vector<std::int32_t> arguments;
+    std::optional<std::string> error;  // expected on both tiers (the interpreter's may say more)
+  };
+  const std::string exhausted = "RuntimeError: execution budget exhausted";
+  const Call calls[] = {
+      {"metered_loop", {0}, std::nullopt},
+      {"metered_loop", {1000}, std::nullopt},
+      {"metered_loop", {40'000}, std::nullopt},
+      {"metered_loop", {10'000'000}, exhausted},
+      {"metered_loop", {-1}, exhausted},
+      {"metered_loop", {7}, std::nullopt},  // the next call after exhaustion decides normally
+      {"metered_recursion", {100, 0}, std::nullopt},
+      {"metered_recursion", {100, 255}, std::nullopt},  // grows to the cap of 256 pages
+      {"metered_recursion", {0, 1}, std::nullopt},      // past the cap: memory.grow returns -1
+      {"metered_recursion", {1'000'000, 0}, "RuntimeError: call stack exhausted"},
+      {"metered_recursion", {5, 0}, std::nullopt},
+      {"metered_bulk", {16, 8, 100}, std::nullopt},
+      {"metered_bulk", {524'288, 524'288, 1'048'568}, exhausted},  // 1 MiB moved exceeds the fuel
+      {"metered_bulk", {400'000, 400'000, 0}, std::nullopt},
+      {"metered_bulk", {0, 0, 1'048'570}, "RuntimeError: out of bounds memory access"},
+      {"metered_bulk", {3, 3, 3}, std::nullopt},
+  };
+  std::map<std::string, std::pair<std::unique_ptr<OrxModuleInstance>, std::unique_ptr<LoadedModule>>> tiers;
+  for (const char* name : {"metered_loop", "metered_recursion", "metered_bulk"}) {
+    auto native = precompiledTestModule(name);
+    ASSERT_EQ(native.startError, std::nullopt) << name;
+    const auto source = readTestFile(std::string(ORX_METERED_TEST_MODULES) + "/" + name + ".source.wasm");
+    tiers[name] = {std::move(native.instance), LoadedModule::instantiate(name, source, /*allowPrecompiled=*/false)};
+  }
+  for (const auto& call : calls) {
+    auto& [native, interpreted] = tiers.at(call.module);
+    const std::string what = std::string(call.module) + " " + ::testing::PrintToString(call.arguments);
+    const auto fast = native->invoke(call.arguments.data(), call.arguments.size());
+    const auto reference = interpreted->invoke(call.arguments);
+    EXPECT_EQ(fast.result, reference.result) << what;
+    EXPECT_EQ(fast.error, call.error) << what;
+    ASSERT_EQ(reference.error.has_value(), call.error.has_value()) << what;
+    if (call.error) {
+      EXPECT_EQ(reference.error->substr(0, call.error->size()), *call.error) << what;
+    }
+    ASSERT_EQ(fast.emitted != nullptr, reference.emitted != nullptr) << what;
+    if (fast.emitted) {
+      EXPECT_EQ(*fast.emitted, *reference.emitted) << what;
+    }
+  }
+  // Spot checks against values worked out by hand, so agreement is not agreement on a wrong answer.
+  std::int32_t thousand = 1000;
+  EXPECT_EQ(*tiers.at("metered_loop").first->invoke(&thousand, 1).emitted,
+            (std::vector<std::int32_t>{5301, 2, 1000, 500'500, 1000}));
+  const std::int32_t pastTheCap[] = {3, 1};
+  EXPECT_EQ(*tiers.at("metered_recursion").first->invoke(pastTheCap, 2).emitted,
+            (std::vector<std::int32_t>{5302, 3, -1, 256, 7}));
 }
 
 TEST(OrxPrecompiledTier, OnlyTheApprovedBytesBindNativeCode) {

@@ -2,7 +2,7 @@
 
 #include "core/ORXSHA256.h"
 #include "runtime/OrxBuildConstants.h"
-#include "runtime/engine/OrxBoundedExecutionVerifier.h"
+#include "runtime/OrxModuleInstance.h"
 #include "tools/cli/OrxCliIO.h"
 
 OrxCliPolicyModule OrxCliPolicyModule::read(const std::string& file) {
@@ -23,9 +23,12 @@ std::unique_ptr<LoadedModule> OrxCliPolicyModule::load(std::string_view name, bo
   return LoadedModule::instantiate(name, bytes, allowPrecompiled);
 }
 
-// A module the host admitted has passed the bounded-execution verifier, which proves every call within
-// its instruction cap; the verifier does not report the module's own bound.
 std::string OrxCliPolicyModule::executionBound() const {
-  return "statically bounded: every call within " + std::to_string(kOrxMaxInstructionsPerCall) +
-         " instructions, memory within " + std::to_string(kOrxMaxMemoryPages) + " pages";
+  const auto bound = describeExecutionBound(bytes.data(), bytes.size());
+  if (!bound) return "refused by the host";
+  const std::string budget = std::to_string(bound->fuelPerCall) + " fuel units";
+  if (bound->bounded) {
+    return "statically bounded: at most " + std::to_string(bound->worstCaseFuel) + " of " + budget + " per call";
+  }
+  return "metered (" + bound->meteringReason + "): a call that exceeds " + budget + " traps";
 }

@@ -23,6 +23,7 @@ struct OrxCliPolicyModule {
   std::optional<std::string> approvedAs() const;
   // Instantiated in the module host; throws RuntimeError with the host's own text when it refuses.
   std::unique_ptr<LoadedModule> load(std::string_view name, bool allowPrecompiled) const;
-  // How every call of the module is kept finite: "statically bounded: ..." or "metered: ...".
+  // How the host keeps every call finite: "statically bounded: at most N of M fuel units per call", or
+  // "metered (<why>): a call that exceeds M fuel units traps".
   std::string executionBound() const;
 };

@@ -1,6 +1,6 @@
 // orx_approved_module_check MODULE FILE: the build translates a module to native code only when FILE is
-// exactly the approved artifact (its SHA-256 is the build constant for MODULE) and has the interface the
-// native binding expects. Anything else stops the build with a message saying how to fix it; the
+// exactly the approved artifact (its SHA-256 is the build constant for MODULE), has the interface the
+// native binding expects and is statically bounded (so the bytes translated are the bytes the host runs). Anything else stops the build with a message saying how to fix it; the
 // build never silently falls back.
 
 #include <cstdio>
@@ -35,6 +35,13 @@ int main(int argc, char** argv) {
     const std::vector<std::string> emitOnly{"func output.emit(i32, i32, i32, i32, i32) -> (i32)"};
     if (!interface || interface->imports != emitOnly) {
       std::fprintf(stderr, "%s: the native binding supports exactly one import, %s\n", argv[2], emitOnly[0].c_str());
+      return 1;
+    }
+    // The native binding sets no execution budgets: it runs only modules proven to need none.
+    const auto bound = describeExecutionBound(bytes.data(), bytes.size());
+    if (!bound || !bound->bounded) {
+      std::fprintf(stderr, "%s: the native binding runs only statically bounded modules, and this one is metered "
+                   "because %s\n", argv[2], bound ? bound->meteringReason.c_str() : "it is refused");
       return 1;
     }
     return 0;

@@ -14,9 +14,6 @@ const Words kPlays{"2", "6", "63", "1000", "900000", "0", "600", "1"};
 const std::string kAllowed = R"({"isAllowed":true,"reason":"allowed","policyVersion":3,"source":"policy"})";
 const std::string kTrapped =
     R"({"isAllowed":false,"reason":"runtimeUnavailable","policyVersion":0,"source":"trap"})";
-const std::string kLoopRefused =
-    "Could not instantiate ORX module player_authz: VerifierError: execution cannot be bounded because it contains "
-    "a loop";
 
 Words with(Words words, const Words& extra) {
   words.insert(words.end(), extra.begin(), extra.end());
@@ -102,8 +99,9 @@ TEST(RavoOrxPolicy, Test) {
 
 TEST(RavoOrxPolicy, Eval) {
   const Modules modules;
-  const std::string notApproved = "ravo-orx policy eval: warning: " + modules.trap() +
-                                  " (sha256 fc2130c4) is not approved by this build\n";
+  auto notApproved = [](const std::string& module, const std::string& digest) {
+    return "ravo-orx policy eval: warning: " + module + " (sha256 " + digest + ") is not approved by this build\n";
+  };
   expectOutcomes({
       {with({"policy", "eval", "artifacts/player_authz.wasm", "authz"}, kPlays), "", printed(kAllowed)},
       {{"policy", "eval", "--facts", "-", "artifacts/player_authz.wasm", "authz"},
@@ -112,9 +110,11 @@ TEST(RavoOrxPolicy, Eval) {
        printed(kAllowed)},
       {with({"policy", "eval", "-", "authz"}, kPlays), fileText(kRoot / "artifacts/player_authz.wasm"),
        printed(kAllowed)},
-      {with({"policy", "eval", modules.trap(), "authz"}, kPlays), "", {kTrapped + "\n", notApproved, 3}},
-      // The verifier refuses a loop before it runs; a metering host would answer fail-safe with "trap".
-      {with({"policy", "eval", modules.loop(), "authz"}, kPlays), "", refused(kLoopRefused)},
+      {with({"policy", "eval", modules.trap(), "authz"}, kPlays), "",
+       {kTrapped + "\n", notApproved(modules.trap(), "fc2130c4"), 3}},
+      // A module that never stops runs out of its execution budget.
+      {with({"policy", "eval", modules.loop(), "authz"}, kPlays), "",
+       {kTrapped + "\n", notApproved(modules.loop(), "353a710f"), 3}},
       {with({"policy", "eval", "/nonexistent.wasm", "authz"}, kPlays), "",
        refused("could not read /nonexistent.wasm: No such file or directory")},
       {{"policy", "eval", "--facts=-", "-", "authz"}, "",
@@ -133,11 +133,13 @@ TEST(RavoOrxPolicy, Check) {
       "imports    func output.emit(i32, i32, i32, i32, i32) -> (i32)\n"
       "exports    func decide(i32, i32, i32, i32, i32, i32, i32, i32) -> (i32)\n"
       "approved   yes, as player_authz\n"
-      "execution  statically bounded: every call within 1000000 instructions, memory within 16 pages\n";
-  const auto trap = run({"policy", "check", modules.trap()}, "");
-  EXPECT_TRUE(trap.status == 0 && trap.out.find("\napproved   no, this build approves other bytes\n") != std::string::npos &&
-              trap.out.ends_with("\ntier       interpreted\ncontract   a policy module's\n"))
-      << trap;
+      "execution  statically bounded: at most 244 of 1000000 fuel units per call\n";
+  const auto loop = run({"policy", "check", modules.loop()}, "");
+  EXPECT_TRUE(loop.status == 0 && loop.out.ends_with("\napproved   no, this build approves other bytes\n"
+                                                     "execution  metered (it contains a loop): a call that exceeds "
+                                                     "1000000 fuel units traps\ntier       interpreted\n"
+                                                     "contract   a policy module's\n"))
+      << loop;
   expectOutcomes({
       {{"policy", "check", authz, "policies/player_authz.manifest.json"}, "",
        printed(description + "tier       precompiled\ncontract   matches policies/player_authz.manifest.json")},
@@ -154,9 +156,6 @@ TEST(RavoOrxPolicy, Check) {
        refused("standard input: [json.exception.out_of_range.403] key 'module' not found")},
       {{"policy", "check", "-", "-"}, "",
        misused("policy check", "MODULE and MANIFEST cannot both be standard input")},
-      {{"policy", "check", modules.loop()}, "",
-       refused("Could not instantiate ORX module loop: VerifierError: execution cannot be bounded because it contains "
-               "a loop")},
       {{"policy", "check", "policies/player_authz.manifest.json"}, "",
        refused("Could not instantiate ORX module player_authz.manifest: CompileError: 0000004: error: bad magic "
                "value")},
@@ -175,7 +174,7 @@ TEST(RavoOrxPolicy, Bench) {
               std::regex_match(timed.out, std::regex("artifacts/sync_correction.wasm: [0-9]+\\.[0-9]{3} \u00B5s/decision "
                                                      "on the precompiled tier \\(median of 3 runs of 200 decisions\\)\n")))
       << timed;
-  const auto trapped = run(with({"policy", "bench", "--runs=1", "--decisions=10", modules.trap(), "authz"}, kPlays), "");
+  const auto trapped = run(with({"policy", "bench", "--runs=1", "--decisions=10", modules.loop(), "authz"}, kPlays), "");
   EXPECT_TRUE(trapped.status == 0 && trapped.out.find(" on the interpreted tier (median of 1 runs of 10 decisions)\n") !=
                                          std::string::npos &&
               trapped.err == "ravo-orx policy bench: warning: these facts give the fail-safe decision (trap)\n")
@@ -183,7 +182,8 @@ TEST(RavoOrxPolicy, Bench) {
   expectOutcomes({
       {with({"policy", "bench", "--runs", "0", modules.trap(), "authz"}, kPlays), "",
        misused("policy bench", "--runs must be an integer from 1 to 101, got \"0\"")},
-      {with({"policy", "bench", modules.loop(), "authz"}, kPlays), "", refused(kLoopRefused)},
+      {with({"policy", "bench", "policies/player_authz.manifest.json", "authz"}, kPlays), "",
+       refused("Could not instantiate ORX module player_authz: CompileError: 0000004: error: bad magic value")},
   });
 }
 

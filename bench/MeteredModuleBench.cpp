@@ -1,0 +1,52 @@
+// Cost of metered code on each execution tier: one `decide` of the metered loop module summing 1..n,
+// for n = 0 (the call alone) and larger n; items per second are loop iterations per second, so the
+// cost of one metered iteration is the difference between two rows divided by n.
+
+#include <benchmark/benchmark.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "runtime/LoadedModule.h"
+#include "runtime/tests/MeteredTestModules.h"
+
+namespace {
+
+OrxModuleInstance& interpreted() {
+  static const auto module = [] {
+    std::ifstream in(std::string(ORX_METERED_TEST_MODULES) + "/metered_loop.source.wasm", std::ios::binary);
+    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    return LoadedModule::instantiate("metered_loop", bytes, /*allowPrecompiled=*/false);
+  }();
+  struct View final : OrxModuleInstance {
+    OrxInvocation invoke(const std::int32_t* arguments, std::size_t count) override {
+      return module->invoke({arguments, count});
+    }
+  };
+  static View view;
+  return view;
+}
+
+OrxModuleInstance& native() {
+  static const auto module = precompiledTestModule("metered_loop");
+  return *module.instance;
+}
+
+void run(benchmark::State& state, OrxModuleInstance& module) {
+  const std::int32_t iterations = static_cast<std::int32_t>(state.range(0));
+  for (auto _ : state) {
+    const auto call = module.invoke(&iterations, 1);
+    benchmark::DoNotOptimize(call.emitted);
+    if (call.error) state.SkipWithError(call.error->c_str());
+  }
+  state.SetItemsProcessed(state.iterations() * iterations);
+}
+
+void BM_MeteredLoopInterpreted(benchmark::State& state) { run(state, interpreted()); }
+void BM_MeteredLoopPrecompiled(benchmark::State& state) { run(state, native()); }
+
+}  // namespace
+
+BENCHMARK(BM_MeteredLoopInterpreted)->Arg(0)->Arg(1'000)->Arg(40'000);
+BENCHMARK(BM_MeteredLoopPrecompiled)->Arg(0)->Arg(1'000)->Arg(40'000);

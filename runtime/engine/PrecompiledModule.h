@@ -1,0 +1,122 @@
+#pragma once
+// The binding of one module translated by wasm2c behind the engine boundary, shared by the approved
+// modules and by the build's own metered test modules. A module translated from metered bytes
+// (OrxFuelMetering.h) passes its budget exports, and the binding then sets the budgets before each
+// call, runs the exported start function at construction and reports budget traps with the
+// interpreter's texts. Include after the wasm2c headers of the modules it binds.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "runtime/OrxModuleInstance.h"
+#include "runtime/engine/OrxFuelMetering.h"
+#include "runtime/engine/wasm2c/PrecompiledTrap.h"
+
+// The import every translated module shares (the build checks its signature): each instance owns one.
+struct Z_output_instance_t {
+  std::vector<std::int32_t> emitted;
+  bool hasEmitted = false;
+};
+
+// The interpreter's texts for the same traps, so both tiers report a trap alike.
+inline std::string precompiledTrapText(int code) {
+  switch (code) {
+    case WASM_RT_TRAP_OOB: return "RuntimeError: out of bounds memory access";
+    case WASM_RT_TRAP_INT_OVERFLOW: return "RuntimeError: integer overflow";
+    case WASM_RT_TRAP_DIV_BY_ZERO: return "RuntimeError: integer divide by zero";
+    case WASM_RT_TRAP_INVALID_CONVERSION: return "RuntimeError: invalid conversion to integer";
+    case WASM_RT_TRAP_UNREACHABLE: return "RuntimeError: unreachable executed";
+    case WASM_RT_TRAP_EXHAUSTION: return "RuntimeError: call stack exhausted";
+    default: return "RuntimeError: unknown trap";
+  }
+}
+
+// A statically bounded module has no budgets to set; a metered one exports its fuel and stack globals
+// and possibly its start function (OrxFuelMetering.h), given here as wasm2c's accessors.
+struct Unmetered {};
+template <auto Fuel, auto Stack, auto Start = nullptr>
+struct Metered {
+  static constexpr auto fuel = Fuel;
+  static constexpr auto stack = Stack;
+  static constexpr auto start = Start;
+};
+
+template <class Instance, auto Instantiate, auto Free, auto Decide, std::size_t Arity, class Budgets = Unmetered>
+class PrecompiledModule final : public OrxModuleInstance {
+  static constexpr bool kMetered = !std::is_same_v<Budgets, Unmetered>;
+
+ public:
+  PrecompiledModule() {
+    output_.emitted.reserve(5);  // the emitted record never allocates on the decision path
+    Instantiate(&instance_, &output_);
+    if constexpr (kMetered) {
+      if constexpr (Budgets::start != nullptr) {
+        if (const int trap = orx_wasm2c_call_guarded(&runStart, this)) startError_ = trapText(trap);
+      }
+    }
+  }
+  ~PrecompiledModule() override { Free(&instance_); }
+
+  // The trap of the start function, which makes the module fail to instantiate.
+  const std::optional<std::string>& startError() const { return startError_; }
+
+  OrxInvocation invoke(const std::int32_t* arguments, std::size_t count) override {
+    output_.emitted.clear();
+    output_.hasEmitted = false;
+    Call call{this, {}, 0};
+    for (std::size_t i = 0; i < Arity && i < count; ++i) call.arguments[i] = static_cast<u32>(arguments[i]);
+    OrxInvocation invocation;
+    if constexpr (kMetered) {
+      *Budgets::fuel(&instance_) = kOrxFuelPerCall;
+      *Budgets::stack(&instance_) = 0;
+    }
+    if (const int trap = orx_wasm2c_call_guarded(&run, &call)) {
+      invocation.error = trapText(trap);
+    } else {
+      invocation.result = static_cast<std::int32_t>(call.result);
+    }
+    if (output_.hasEmitted) invocation.emitted = &output_.emitted;
+    return invocation;
+  }
+
+ private:
+  // Everything the guarded call touches is trivially destructible: a trap unwinds it with longjmp.
+  struct Call {
+    PrecompiledModule* self;
+    std::array<u32, Arity> arguments;
+    u32 result;
+  };
+
+  static void run(void* context) {
+    auto* call = static_cast<Call*>(context);
+    call->result = [&]<std::size_t... I>(std::index_sequence<I...>) {
+      return Decide(&call->self->instance_, call->arguments[I]...);
+    }(std::make_index_sequence<Arity>{});
+  }
+
+  static void runStart(void* self) {
+    if constexpr (kMetered) {
+      if constexpr (Budgets::start != nullptr) Budgets::start(&static_cast<PrecompiledModule*>(self)->instance_);
+    }
+  }
+
+  std::string trapText(int code) {
+    if constexpr (kMetered) {
+      if (auto budget = budgetTrapText(static_cast<std::int64_t>(*Budgets::fuel(&instance_)),
+                                       *Budgets::stack(&instance_))) {
+        return *budget;
+      }
+    }
+    return precompiledTrapText(code);
+  }
+
+  Instance instance_{};
+  Z_output_instance_t output_;
+  std::optional<std::string> startError_;
+};

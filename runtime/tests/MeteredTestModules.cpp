@@ -1,0 +1,46 @@
+#include "runtime/tests/MeteredTestModules.h"
+
+#include <stdexcept>
+
+#include "metered_bulk.h"
+#include "metered_loop.h"
+#include "metered_recursion.h"
+#include "runtime/engine/PrecompiledModule.h"
+
+namespace {
+
+template <class Module>
+PrecompiledTestModule bind() {
+  auto module = std::make_unique<Module>();
+  auto startError = module->startError();
+  return {std::move(module), std::move(startError)};
+}
+
+using Loop = PrecompiledModule<Z_metered_loop_instance_t, Z_metered_loop_instantiate, Z_metered_loop_free,
+                               Z_metered_loopZ_decide, 8,
+                               Metered<Z_metered_loopZ_orxZ3Afuel, Z_metered_loopZ_orxZ3Astack>>;
+using Recursion =
+    PrecompiledModule<Z_metered_recursion_instance_t, Z_metered_recursion_instantiate, Z_metered_recursion_free,
+                      Z_metered_recursionZ_decide, 8,
+                      Metered<Z_metered_recursionZ_orxZ3Afuel, Z_metered_recursionZ_orxZ3Astack,
+                              Z_metered_recursionZ_orxZ3Astart>>;
+using Bulk = PrecompiledModule<Z_metered_bulk_instance_t, Z_metered_bulk_instantiate, Z_metered_bulk_free,
+                               Z_metered_bulkZ_decide, 8,
+                               Metered<Z_metered_bulkZ_orxZ3Afuel, Z_metered_bulkZ_orxZ3Astack>>;
+
+}  // namespace
+
+PrecompiledTestModule precompiledTestModule(std::string_view name) {
+  static const bool initialized = [] {
+    wasm_rt_init();
+    Z_metered_loop_init_module();
+    Z_metered_recursion_init_module();
+    Z_metered_bulk_init_module();
+    return true;
+  }();
+  (void)initialized;
+  if (name == "metered_loop") return bind<Loop>();
+  if (name == "metered_recursion") return bind<Recursion>();
+  if (name == "metered_bulk") return bind<Bulk>();
+  throw std::invalid_argument("no metered test module " + std::string(name));
+}

@@ -1,0 +1,18 @@
+#pragma once
+// Test support: the metered test modules (runtime/tests/metered/) translated to native code the way the
+// build translates a metered module; their WebAssembly sources are in ORX_METERED_TEST_MODULES.
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "runtime/OrxModuleInstance.h"
+
+struct PrecompiledTestModule {
+  std::unique_ptr<OrxModuleInstance> instance;
+  std::optional<std::string> startError;
+};
+
+// "metered_loop", "metered_recursion" or "metered_bulk".
+PrecompiledTestModule precompiledTestModule(std::string_view name);
