@@ -9,7 +9,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "c0cea171d49cce2f72a61523753a049e91f5b089c81015dd218aa6f26a7b7074";
+  static const std::string value = "40133ef831774a8b3137b8c2974f8bebe188b8c87455ee9f86693f8e3052fe82";
   return value;
 }
 

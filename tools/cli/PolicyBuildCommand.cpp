@@ -44,7 +44,7 @@ int runBuild(OrxCliArguments& arguments) {
 constinit const OrxCliCommand kOrxCliPolicyBuildCommand{
     "build", "[--policies DIR] [--artifacts DIR]", "build the artifacts and the constants that approve them",
     "Run from the repository root. Assembles policies/<module>.wat of the three modules with wat2wasm,\n"
-    "runs the package check on each (the runtime's module host and verifier, the manifest's contract\n"
+    "runs the package check on each (the runtime's module host and budgets, the manifest's contract\n"
     "and every case) and, only when every module passes, writes the artifacts (<module>.wasm,\n"
     "<module>.package-check.json, evidence.json) and runtime/OrxBuildConstants.cpp, so that the next\n"
     "build of the project approves exactly those artifacts. Only files whose bytes change are written:\n"

@@ -82,11 +82,11 @@ int runCheck(OrxCliArguments& arguments) {
 
 constinit const OrxCliCommand kOrxCliPolicyCheckCommand{
     "check", "MODULE.wasm [MANIFEST]", "load a module as the runtime would and describe it",
-    "Loads MODULE through the runtime's module host, budgets and bounded-execution verifier, and\n"
-    "prints its SHA-256, its imports and exports, whether this build approves its digest, how its\n"
-    "execution is bounded and the tier it would run on. It then checks the import/export contract:\n"
-    "against MANIFEST's imports and decide signature when given, otherwise the contract every policy\n"
-    "module keeps (one import output.emit, an export decide taking 8 or 13 i32 facts). Either file may\n"
-    "be '-' for standard input. Exit status 0 when the module is admitted, 1 when the host refuses it\n"
-    "(its own text on standard error) or the contract does not hold.\n",
+    "Loads MODULE through the runtime's module host and its load budgets, and prints its SHA-256, its\n"
+    "imports and exports, whether this build approves its digest, how its execution is bounded (its\n"
+    "proven worst case per call, or why it is metered) and the tier it would run on. It then checks the\n"
+    "import/export contract: against MANIFEST's imports and decide signature when given, otherwise the\n"
+    "contract every policy module keeps (one import output.emit, an export decide taking 8 or 13 i32\n"
+    "facts). Either file may be '-' for standard input. Exit status 0 when the module is admitted, 1 when\n"
+    "the host refuses it (its own text on standard error) or the contract does not hold.\n",
     runCheck};

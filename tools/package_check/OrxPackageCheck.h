@@ -1,6 +1,6 @@
 #pragma once
-// The package check of one module: loads it through the runtime's own module host (so the engine and
-// the bounded-execution verifier judge it exactly as at run time), checks its manifest's ABI lanes and
+// The package check of one module: loads it through the runtime's own module host (so the engine, the
+// load budgets and the execution bound judge it exactly as at run time), checks its manifest's ABI lanes and
 // its import/export contract, and runs every case of the manifest. Its report,
 // "<module>.package-check.json", is deterministic: no times, no paths.
 
