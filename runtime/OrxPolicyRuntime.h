@@ -13,7 +13,10 @@
 
 class OrxPolicyRuntime {
  public:
-  // Loads from `artifactsDirectory`, or from the first bundled location holding "evidence.json".
+  // Loads from `artifactsDirectory`, or from the first location holding "evidence.json" of: "artifacts"
+  // in the working directory, "Resources/ORX" two levels above the executable, the installed artifacts
+  // ("share/ravo-orx/artifacts") of the prefix holding the executable, and those of the prefix this
+  // library was built for.
   explicit OrxPolicyRuntime(std::optional<std::filesystem::path> artifactsDirectory = std::nullopt);
 
   bool isAuthorizationAvailable() const { return decider_.isAuthorizationAvailable(); }

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
+#include <cstddef>
 
 #include "runtime/OrxLog.h"
 #include "runtime/OrxPolicyRuntime.h"
@@ -20,68 +20,60 @@ TEST(OrxDecisionSource, CaseNames) {
   EXPECT_EQ(orxCaseName(Source::invalidOutput), "invalidOutput");
 }
 
+template <class Facts, class Decision>
+struct Case {
+  const char* name;
+  OrxPolicyDecider* decider;
+  Facts facts;
+  OrxSourcedDecision<Decision> expected;
+};
+
+// Each case through the sourced call and the plain one, which must give the same decision.
+template <class Facts, class Decision, std::size_t N>
+void expectCases(const Case<Facts, Decision> (&cases)[N],
+                 OrxSourcedDecision<Decision> (OrxPolicyDecider::*withSource)(const Facts&),
+                 Decision (OrxPolicyDecider::*plain)(const Facts&)) {
+  for (const auto& c : cases) {
+    EXPECT_EQ((c.decider->*withSource)(c.facts), c.expected) << c.name;
+    EXPECT_EQ((c.decider->*plain)(c.facts), c.expected.decision) << c.name;
+  }
+}
+
 TEST(OrxDecisionSource, EachPathOfEachDecisionNamesItsSource) {
   using Reason = OrxAuthorizationReason;
+  using CinemaReason = OrxCinemaAdmissionReason;
   const OrxAuthorizationDecision denied{false, Reason::runtimeUnavailable, 0};
   const OrxAuthorizationDecision invalid{false, Reason::invalidResult, 0};
   const OrxSyncDecision hold{OrxSyncAction::hold, 1000, 0, 1};
-  const OrxCinemaAdmissionDecision metalFX{OrxCinemaAdmissionRoute::metalFXOnly, 0, 0,
-                                           OrxCinemaAdmissionReason::invalidFacts};
+  const OrxCinemaAdmissionDecision metalFX{OrxCinemaAdmissionRoute::metalFXOnly, 0, 0, CinemaReason::invalidFacts};
   setOrxLogSink([](OrxLogLevel, std::string_view) {});
   OrxPolicyDecider puppets(puppetModules());
   OrxPolicyDecider empty(OrxPolicyModules{});
 
-  struct AuthorizationCase {
-    const char* name;
-    OrxPolicyDecider& decider;
-    AuthorizationFacts facts;
-    OrxSourcedDecision<OrxAuthorizationDecision> expected;
+  const Case<AuthorizationFacts, OrxAuthorizationDecision> authorizations[] = {
+      {"answered", &puppets, kAllowedAuthorization, {{true, Reason::allowed, 3}, Source::policy}},
+      {"no module", &empty, kAllowedAuthorization, {denied, Source::moduleUnavailable}},
+      {"trap", &puppets, kTrappingAuthorization, {denied, Source::trap}},
+      {"command not echoed", &puppets, kUnechoedAuthorization, {invalid, Source::invalidOutput}},
   };
-  const AuthorizationCase authorizations[] = {
-      {"answered", puppets, kAllowedAuthorization, {{true, Reason::allowed, 3}, Source::policy}},
-      {"no module", empty, kAllowedAuthorization, {denied, Source::moduleUnavailable}},
-      {"trap", puppets, kTrappingAuthorization, {denied, Source::trap}},
-      {"command not echoed", puppets, kUnechoedAuthorization, {invalid, Source::invalidOutput}},
-  };
-  for (const auto& c : authorizations) {
-    EXPECT_EQ(c.decider.authorizeWithSource(c.facts), c.expected) << c.name;
-    EXPECT_EQ(c.decider.authorize(c.facts), c.expected.decision) << c.name;
-  }
+  expectCases(authorizations, &OrxPolicyDecider::authorizeWithSource, &OrxPolicyDecider::authorize);
 
-  struct SyncCase {
-    const char* name;
-    OrxPolicyDecider& decider;
-    SyncFacts facts;
-    OrxSourcedDecision<OrxSyncDecision> expected;
+  const Case<SyncFacts, OrxSyncDecision> syncs[] = {
+      {"answered", &puppets, kNudgeSync, {{OrxSyncAction::nudge, 967, 0, 3}, Source::policy}},
+      {"no module", &empty, kNudgeSync, {hold, Source::moduleUnavailable}},
+      {"trap", &puppets, kTrappingSync, {hold, Source::trap}},
+      {"rate outside the band", &puppets, kOutOfBandSync, {hold, Source::invalidOutput}},
   };
-  const SyncCase syncs[] = {
-      {"answered", puppets, kNudgeSync, {{OrxSyncAction::nudge, 967, 0, 3}, Source::policy}},
-      {"no module", empty, kNudgeSync, {hold, Source::moduleUnavailable}},
-      {"trap", puppets, kTrappingSync, {hold, Source::trap}},
-      {"rate outside the band", puppets, kOutOfBandSync, {hold, Source::invalidOutput}},
-  };
-  for (const auto& c : syncs) {
-    EXPECT_EQ(c.decider.correctSyncWithSource(c.facts), c.expected) << c.name;
-    EXPECT_EQ(c.decider.correctSync(c.facts), c.expected.decision) << c.name;
-  }
+  expectCases(syncs, &OrxPolicyDecider::correctSyncWithSource, &OrxPolicyDecider::correctSync);
 
-  struct CinemaCase {
-    const char* name;
-    OrxPolicyDecider& decider;
-    CinemaAdmissionFacts facts;
-    OrxSourcedDecision<OrxCinemaAdmissionDecision> expected;
+  const Case<CinemaAdmissionFacts, OrxCinemaAdmissionDecision> cinemas[] = {
+      {"answered", &puppets, kFullFrameCinema,
+       {{OrxCinemaAdmissionRoute::fullFrameML, 0, 272, CinemaReason::liveSafe}, Source::policy}},
+      {"no module", &empty, kFullFrameCinema, {metalFX, Source::moduleUnavailable}},
+      {"trap", &puppets, kTrappingCinema, {metalFX, Source::trap}},
+      {"MetalFX claiming live-safe", &puppets, kLiveSafeMetalFXCinema, {metalFX, Source::invalidOutput}},
   };
-  const CinemaCase cinemas[] = {
-      {"answered", puppets, kFullFrameCinema,
-       {{OrxCinemaAdmissionRoute::fullFrameML, 0, 272, OrxCinemaAdmissionReason::liveSafe}, Source::policy}},
-      {"no module", empty, kFullFrameCinema, {metalFX, Source::moduleUnavailable}},
-      {"trap", puppets, kTrappingCinema, {metalFX, Source::trap}},
-      {"MetalFX claiming live-safe", puppets, kLiveSafeMetalFXCinema, {metalFX, Source::invalidOutput}},
-  };
-  for (const auto& c : cinemas) {
-    EXPECT_EQ(c.decider.decideCinemaAdmissionWithSource(c.facts), c.expected) << c.name;
-    EXPECT_EQ(c.decider.decideCinemaAdmission(c.facts), c.expected.decision) << c.name;
-  }
+  expectCases(cinemas, &OrxPolicyDecider::decideCinemaAdmissionWithSource, &OrxPolicyDecider::decideCinemaAdmission);
   setOrxLogSink({});
   // Each fail-safe path above ran twice (with and without its source) on one of the two deciders.
   EXPECT_EQ(puppets.failureCount(), 12u);

@@ -46,13 +46,26 @@ TEST(OrxPolicyRuntimeConcurrency, EightThreadsGetCorrectAnswersAndAnExactFailure
   EXPECT_EQ(puppets.failureCount(), static_cast<std::uint64_t>(kThreads * kRounds));
 }
 
-// Comparing failureCount() around a call cannot tell whose call failed once threads share a runtime; the
-// source returned with each decision can.
+// Comparing failureCount() around a call cannot tell whose call failed once threads share a decider;
+// the source returned with each decision can.
 TEST(OrxPolicyRuntimeConcurrency, EightThreadsEachGetTheSourceOfTheirOwnDecision) {
   using Source = OrxDecisionSource;
   setOrxLogSink([](OrxLogLevel, std::string_view) {});
   OrxPolicyDecider puppets(puppetModules());
-  OrxPolicyRuntime unloaded(std::filesystem::path("/nonexistent/artifacts"));
+  OrxPolicyDecider empty(OrxPolicyModules{});
+  struct Path {
+    OrxPolicyDecider* decider;
+    AuthorizationFacts authorization;
+    SyncFacts sync;
+    CinemaAdmissionFacts cinema;
+    Source source;
+  };
+  const Path paths[] = {
+      {&puppets, kAllowedAuthorization, kNudgeSync, kFullFrameCinema, Source::policy},
+      {&puppets, kTrappingAuthorization, kTrappingSync, kTrappingCinema, Source::trap},
+      {&puppets, kUnechoedAuthorization, kOutOfBandSync, kLiveSafeMetalFXCinema, Source::invalidOutput},
+      {&empty, kAllowedAuthorization, kNudgeSync, kFullFrameCinema, Source::moduleUnavailable},
+  };
 
   constexpr int kThreads = 8;
   constexpr int kRounds = 200;
@@ -61,31 +74,12 @@ TEST(OrxPolicyRuntimeConcurrency, EightThreadsEachGetTheSourceOfTheirOwnDecision
     std::vector<std::jthread> threads;
     for (int t = 0; t < kThreads; ++t) {
       threads.emplace_back([&, t] {
-        auto expect = [&](Source actual, Source expected) { wrong[t] += actual != expected; };
         for (int i = 0; i < kRounds; ++i) {
           // Threads start at different paths, so neighbours interleave different outcomes.
-          switch ((t + i) % 4) {
-            case 0:
-              expect(puppets.authorizeWithSource(kAllowedAuthorization).source, Source::policy);
-              expect(puppets.correctSyncWithSource(kNudgeSync).source, Source::policy);
-              expect(puppets.decideCinemaAdmissionWithSource(kFullFrameCinema).source, Source::policy);
-              break;
-            case 1:
-              expect(puppets.authorizeWithSource(kTrappingAuthorization).source, Source::trap);
-              expect(puppets.correctSyncWithSource(kTrappingSync).source, Source::trap);
-              expect(puppets.decideCinemaAdmissionWithSource(kTrappingCinema).source, Source::trap);
-              break;
-            case 2:
-              expect(puppets.authorizeWithSource(kUnechoedAuthorization).source, Source::invalidOutput);
-              expect(puppets.correctSyncWithSource(kOutOfBandSync).source, Source::invalidOutput);
-              expect(puppets.decideCinemaAdmissionWithSource(kLiveSafeMetalFXCinema).source, Source::invalidOutput);
-              break;
-            case 3:
-              expect(unloaded.authorizeWithSource(kAllowedAuthorization).source, Source::moduleUnavailable);
-              expect(unloaded.correctSyncWithSource(kNudgeSync).source, Source::moduleUnavailable);
-              expect(unloaded.decideCinemaAdmissionWithSource(kFullFrameCinema).source, Source::moduleUnavailable);
-              break;
-          }
+          const Path& path = paths[(t + i) % 4];
+          wrong[t] += path.decider->authorizeWithSource(path.authorization).source != path.source;
+          wrong[t] += path.decider->correctSyncWithSource(path.sync).source != path.source;
+          wrong[t] += path.decider->decideCinemaAdmissionWithSource(path.cinema).source != path.source;
         }
       });
     }
@@ -95,7 +89,7 @@ TEST(OrxPolicyRuntimeConcurrency, EightThreadsEachGetTheSourceOfTheirOwnDecision
   // A quarter of all rounds took each path; traps and invalid outputs count on the puppets.
   constexpr std::uint64_t kRoundsPerPath = kThreads * kRounds / 4;
   EXPECT_EQ(puppets.failureCount(), 2 * 3 * kRoundsPerPath);
-  EXPECT_EQ(unloaded.failureCount(), 3 * kRoundsPerPath);
+  EXPECT_EQ(empty.failureCount(), 3 * kRoundsPerPath);
 }
 
 }  // namespace

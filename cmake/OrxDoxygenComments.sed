@@ -1,0 +1,2 @@
+# Doxygen input filter: a header's // comment lines are its documentation.
+s|^\( *\)// |\1/// |

@@ -1,0 +1,47 @@
+# Packaging is tested as a user meets it: examples.install installs this tree into a temporary prefix,
+# then each examples.<name> builds examples/<name> against that prefix alone, installs it there and
+# runs it from an empty working directory, so it must find the installed artifacts by itself.
+# The README's embedding example is compiled with the tree, so the README cannot drift from the API.
+
+set(orx_examples decisions action_broker pixmor_transport)
+set(orx_examples_work ${PROJECT_BINARY_DIR}/examples-work)
+set(orx_example_script ${CMAKE_CURRENT_LIST_DIR}/OrxExampleStep.cmake)
+
+if(ORX_SANITIZE OR ORX_FUZZ)
+  # A program outside this tree would need the tree's sanitizer runtimes to link its instrumented
+  # libraries; the plain tree tests the package.
+  foreach(example install ${orx_examples})
+    add_test(NAME examples.${example}
+      COMMAND ${CMAKE_COMMAND} -E echo "examples skipped: sanitizer build trees do not test the package")
+    set_tests_properties(examples.${example} PROPERTIES SKIP_REGULAR_EXPRESSION "examples skipped")
+  endforeach()
+else()
+  add_test(NAME examples.install
+    COMMAND ${CMAKE_COMMAND} -DSTEP=install -DBUILD_DIR=${PROJECT_BINARY_DIR} -DWORK=${orx_examples_work}
+            -P ${orx_example_script})
+  set_tests_properties(examples.install PROPERTIES FIXTURES_SETUP orx_installed_package)
+  foreach(example ${orx_examples})
+    add_test(NAME examples.${example}
+      COMMAND ${CMAKE_COMMAND} -DSTEP=example -DNAME=${example} -DSOURCE=${PROJECT_SOURCE_DIR}/examples/${example}
+              -DWORK=${orx_examples_work} "-DGENERATOR=${CMAKE_GENERATOR}" -DMAKE_PROGRAM=${CMAKE_MAKE_PROGRAM}
+              -DCXX_COMPILER=${CMAKE_CXX_COMPILER} "-DCXX_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER}"
+              -P ${orx_example_script})
+    set_tests_properties(examples.${example} PROPERTIES FIXTURES_REQUIRED orx_installed_package TIMEOUT 600)
+  endforeach()
+endif()
+
+# The README's example: the C++ block after the line "<!-- embedding example -->".
+file(READ ${PROJECT_SOURCE_DIR}/README.md orx_readme)
+string(REGEX MATCH "<!-- embedding example -->\n```cpp\n([^`]*)```" orx_readme_block "${orx_readme}")
+if(NOT CMAKE_MATCH_1)
+  message(FATAL_ERROR "README.md has no C++ block after <!-- embedding example -->")
+endif()
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/generated/ReadmeEmbeddingExample.cpp CONTENT "${CMAKE_MATCH_1}" @ONLY)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/README.md)
+add_executable(readme_embedding_example ${PROJECT_BINARY_DIR}/generated/ReadmeEmbeddingExample.cpp)
+target_link_libraries(readme_embedding_example PRIVATE RavoORX)
+# Its headers are included as an installed application includes them, <ravo-orx/...>.
+target_include_directories(readme_embedding_example PRIVATE ${PROJECT_BINARY_DIR}/generated/include)
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/generated/include)
+file(CREATE_LINK ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/generated/include/ravo-orx SYMBOLIC)
+add_test(NAME readme_embedding_example COMMAND readme_embedding_example WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})

@@ -1,0 +1,59 @@
+# The libraries as a package: RavoORX:: aliases for add_subdirectory users, and (ORX_INSTALL) install
+# rules for the libraries, their headers, the tools and the bundled artifacts, the CMake package
+# RavoORX (find_package(RavoORX CONFIG)), the pkg-config module ravo-orx and a Debian package (CPack).
+
+# The modules applications link, and the runtime's static parts that RavoORX links privately (a static
+# library's private dependencies are still linked by its consumers, so they are installed too).
+set(ORX_PUBLIC_LIBRARIES OrxCore OrxHostContract RavoAIContracts RavoORX)
+set(ORX_INTERNAL_LIBRARIES OrxWasmEngine OrxPrecompiledModules OrxBuildConstants)
+foreach(library ${ORX_PUBLIC_LIBRARIES})
+  add_library(RavoORX::${library} ALIAS ${library})
+  # Consumers compile the public headers as C++20 too.
+  target_compile_features(${library} PUBLIC cxx_std_20)
+endforeach()
+
+if(NOT ORX_INSTALL)
+  return()
+endif()
+include(CMakePackageConfigHelpers)
+set(orx_include_dir ${CMAKE_INSTALL_INCLUDEDIR}/ravo-orx)
+set(orx_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/RavoORX)
+
+# Headers keep the repository's folders under include/ravo-orx/, so an application writes
+# <ravo-orx/runtime/OrxPolicyRuntime.h>; the headers' own includes ("core/ORXDigest.h") resolve
+# against include/ravo-orx. The WebAssembly engine's headers stay private.
+install(TARGETS ${ORX_PUBLIC_LIBRARIES} ${ORX_INTERNAL_LIBRARIES} EXPORT RavoORXTargets
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  INCLUDES DESTINATION ${orx_include_dir} ${CMAKE_INSTALL_INCLUDEDIR})
+foreach(dir core host_contract contracts runtime adapters)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/${dir}/ DESTINATION ${orx_include_dir}/${dir}
+    FILES_MATCHING PATTERN "*.h"
+    PATTERN tests EXCLUDE PATTERN fuzz EXCLUDE PATTERN engine EXCLUDE)
+endforeach()
+install(FILES ${PROJECT_BINARY_DIR}/generated/runtime/OrxVersion.h DESTINATION ${orx_include_dir}/runtime)
+install(FILES ${PROJECT_SOURCE_DIR}/artifacts/evidence.json DESTINATION ${ORX_INSTALL_ARTIFACTS_DIR})
+foreach(module player_authz sync_correction cinema_admission)
+  install(FILES ${PROJECT_SOURCE_DIR}/artifacts/${module}.wasm ${PROJECT_SOURCE_DIR}/artifacts/${module}.package-check.json
+    DESTINATION ${ORX_INSTALL_ARTIFACTS_DIR})
+endforeach()
+if(ORX_BUILD_TOOLS)
+  install(TARGETS RavoORXChecks ravo-orx RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+  ${PROJECT_SOURCE_DIR}/docs/EMBEDDING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+install(EXPORT RavoORXTargets NAMESPACE RavoORX:: DESTINATION ${orx_cmake_dir})
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/package/RavoORXConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/package/RavoORXConfig.cmake INSTALL_DESTINATION ${orx_cmake_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/package/RavoORXConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/package/RavoORXConfig.cmake ${PROJECT_BINARY_DIR}/package/RavoORXConfigVersion.cmake
+  DESTINATION ${orx_cmake_dir})
+
+# pkg-config: paths relative to the .pc file, so an install moved with --prefix stays usable.
+file(RELATIVE_PATH orx_prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/package/ravo-orx.pc.in ${PROJECT_BINARY_DIR}/package/ravo-orx.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/package/ravo-orx.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+include(${CMAKE_CURRENT_LIST_DIR}/OrxDebianPackage.cmake)
