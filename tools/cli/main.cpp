@@ -99,15 +99,7 @@ int run(const OrxCliCommand& command, const std::string& program, OrxCliArgument
   }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  // The runtime logs every load, and every load failure, to standard error. The tool keeps standard
-  // error for its own one-line errors, so the runtime's messages are dropped: `status` prints the
-  // load error itself.
-  setOrxLogSink([](OrxLogLevel, std::string_view) {});
-
-  std::vector<std::string> words(argv + 1, argv + argc);
+int dispatch(std::vector<std::string> words) {
   if (words.empty()) {
     std::fputs((toolHelp() + "\n").c_str(), stderr);
     return kOrxCliUsageMistake;
@@ -121,4 +113,15 @@ int main(int argc, char** argv) {
   if (!command) return usageMistake("ravo-orx", "unknown command \"" + words.front() + "\"");
   OrxCliArguments arguments(std::vector<std::string>(words.begin() + 1, words.end()));
   return run(*command, "ravo-orx " + words.front(), arguments);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // The runtime logs every load, and every load failure, to standard error. The tool keeps standard
+  // error for its own one-line errors, so the runtime's messages are dropped: `status` prints the
+  // load error itself.
+  setOrxLogSink([](OrxLogLevel, std::string_view) {});
+
+  return dispatch(std::vector<std::string>(argv + 1, argv + argc));
 }
