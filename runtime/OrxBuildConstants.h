@@ -1,7 +1,7 @@
 #pragma once
-// The provenance this host build was reviewed against. tools/build_orx.sh prints these values after
-// building the artifacts; changing a policy means rebuilding and updating OrxBuildConstants.cpp in the
-// same commit. Built once, on first use, never changed.
+// The provenance this host build was reviewed against. `ravo-orx policy build` generates
+// OrxBuildConstants.cpp together with the artifacts it approves; both are committed together. Built
+// once, on first use, never changed.
 
 #include <map>
 #include <string>

@@ -26,7 +26,7 @@ std::string readWhole(std::FILE* file, std::string_view name) {
 }  // namespace
 
 std::string orxCliReadInput(const std::optional<std::string>& file) {
-  if (!file) return readWhole(stdin, "standard input");
+  if (!file || *file == "-") return readWhole(stdin, "standard input");
   const std::unique_ptr<std::FILE, FileCloser> opened(std::fopen(file->c_str(), "rb"));
   if (!opened) throw std::runtime_error("could not read " + *file + ": " + std::strerror(errno));
   return readWhole(opened.get(), *file);

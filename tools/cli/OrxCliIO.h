@@ -9,7 +9,7 @@
 #include "contracts/support/RavoJSON.h"
 #include "tools/cli/OrxCliArguments.h"
 
-// The bytes of `file`, or of standard input when no file is named, exactly as they are.
+// The bytes of `file`, or of standard input when no file is named or it is "-", exactly as they are.
 // Throws std::runtime_error "could not read <file>: <reason>".
 std::string orxCliReadInput(const std::optional<std::string>& file);
 

@@ -29,7 +29,9 @@ RavoScenarioRevision readRevision(const std::optional<std::string>& file) {
   return checkedRevision(parseRavoJSON(orxCliReadInput(file)), file);
 }
 
-void validate(OrxCliArguments& arguments) {
+// Issues found are the answer asked for, printed on standard output; exit status 1 lets a script
+// refuse the draft without reading them.
+int validate(OrxCliArguments& arguments) {
   const auto file = arguments.nextIfAny();
   arguments.finish();
   const RavoJSON json = parseRavoJSON(orxCliReadInput(file));
@@ -40,6 +42,7 @@ void validate(OrxCliArguments& arguments) {
     issues.push_back(issue.description());
   }
   orxCliPrintJSON(issues);
+  return issues.empty() ? 0 : kOrxCliRefusedInput;
 }
 
 void digest(OrxCliArguments& arguments) {
@@ -57,9 +60,8 @@ void diff(OrxCliArguments& arguments) {
 
 int runScenario(OrxCliArguments& arguments) {
   const std::string action = arguments.next("validate, digest or diff");
-  if (action == "validate") {
-    validate(arguments);
-  } else if (action == "digest") {
+  if (action == "validate") return validate(arguments);
+  if (action == "digest") {
     digest(arguments);
   } else if (action == "diff") {
     diff(arguments);
@@ -74,7 +76,8 @@ int runScenario(OrxCliArguments& arguments) {
 constinit const OrxCliCommand kOrxCliScenarioCommand{
     "scenario", "validate [FILE] | digest [FILE] | diff FROM TO", "validate, digest or compare scenarios",
     "validate  reads a scenario draft, or a revision, as JSON and prints the draft's validation issues\n"
-    "          against the built-in node catalog as a JSON array of texts, empty when the draft is valid.\n"
+    "          against the built-in node catalog as a JSON array of texts, empty when the draft is valid;\n"
+    "          exits with status 1 when it lists any.\n"
     "digest    reads a scenario graph as JSON and prints its 64-hex-digit graph digest.\n"
     "diff      reads two scenario revisions as JSON, the older FROM and the newer TO, and prints\n"
     "          what changed as JSON.\n"

@@ -1,6 +1,7 @@
-// ravo-orx COMMAND [ARGUMENTS]: the canonical core, the host contract, the policy runtime, the
-// application actions and the scenarios, from the command line. Results go to standard output; every
-// error is one line on standard error. Exit status: 0 success, 1 refused input, 2 usage mistake.
+// ravo-orx COMMAND [ARGUMENTS]: the canonical core, the host contract, the policy runtime and its
+// policy authors' toolchain, the application actions and the scenarios, from the command line. Results
+// go to standard output; every error is one line on standard error. Exit status: 0 success, 1 refused
+// input, 2 usage mistake, 3 a fail-safe decision.
 
 #include <algorithm>
 #include <array>
@@ -16,30 +17,42 @@
 
 namespace {
 
-constexpr int kRefusedInput = 1;
-constexpr int kUsageMistake = 2;
-constexpr std::string_view kExitStatuses = "Exit status: 0 success, 1 refused input, 2 usage mistake.";
+constexpr std::string_view kExitStatuses =
+    "Exit status: 0 success, 1 refused input, 2 usage mistake, 3 fail-safe decision.";
 
-constexpr std::array kCommands{&kOrxCliCanonCommand,     &kOrxCliDigestCommand,  &kOrxCliEvidenceCommand,
-                               &kOrxCliStatusCommand,    &kOrxCliDecideCommand,  &kOrxCliResolveCommand,
-                               &kOrxCliShortlistCommand, &kOrxCliScenarioCommand};
+constexpr std::array kCommands{&kOrxCliCanonCommand,    &kOrxCliDigestCommand,    &kOrxCliEvidenceCommand,
+                               &kOrxCliStatusCommand,   &kOrxCliDecideCommand,    &kOrxCliPolicyCommand,
+                               &kOrxCliResolveCommand,  &kOrxCliShortlistCommand, &kOrxCliScenarioCommand,
+                               &kOrxCliVersionCommand};
 
-std::string toolHelp() {
-  std::string help = "usage: ravo-orx COMMAND [ARGUMENTS]\n\ncommands:\n";
-  for (const auto* command : kCommands) {
+bool isHelp(std::string_view word) { return word == "--help" || word == "-h"; }
+
+std::string commandList(std::span<const OrxCliCommand* const> commands) {
+  std::string list;
+  for (const auto* command : commands) {
     std::string line = "  " + std::string(command->name);
     line.resize(std::max<std::size_t>(14, line.size() + 1), ' ');
-    help += line + std::string(command->summary) + "\n";
+    list += line + std::string(command->summary) + "\n";
   }
-  return help +
-         "\nDocuments are read from standard input unless a FILE is named. Results go to standard output,\n"
-         "errors to standard error as one line. " +
-         std::string(kExitStatuses) + "\n'ravo-orx COMMAND --help' describes one command.";
+  return list;
 }
 
-std::string commandHelp(const OrxCliCommand& command) {
-  return "usage: ravo-orx " + std::string(command.name) + " " + std::string(command.synopsis) + "\n\n" +
-         std::string(command.details) + "\n" + std::string(kExitStatuses);
+std::string toolHelp() {
+  return "usage: ravo-orx COMMAND [ARGUMENTS]\n\ncommands:\n" + commandList(kCommands) +
+         "\nDocuments are read from standard input unless a FILE is named ('-' names standard input too).\n"
+         "Results go to standard output, errors to standard error as one line.\n" +
+         std::string(kExitStatuses) + "\n'ravo-orx COMMAND --help' (or -h) describes one command; 'ravo-orx --version'\n"
+         "prints the version.";
+}
+
+std::string commandHelp(const OrxCliCommand& command, const std::string& program) {
+  if (!command.subcommands.empty()) {
+    return "usage: " + program + " " + std::string(command.synopsis) + "\n\n" + std::string(command.details) +
+           "\nsubcommands:\n" + commandList(command.subcommands) + "\n'" + program +
+           " SUBCOMMAND --help' describes one. " + std::string(kExitStatuses);
+  }
+  const std::string synopsis = command.synopsis.empty() ? "" : " " + std::string(command.synopsis);
+  return "usage: " + program + synopsis + "\n\n" + std::string(command.details) + "\n" + std::string(kExitStatuses);
 }
 
 // Error texts are printed as the system wrote them, folded onto one line.
@@ -49,24 +62,42 @@ void printError(std::string text) {
   std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-// `program` is "ravo-orx" or "ravo-orx COMMAND", whichever has the help that answers the mistake.
+// `program` is "ravo-orx", "ravo-orx COMMAND" or "ravo-orx COMMAND SUBCOMMAND", whichever has the help
+// that answers the mistake.
 int usageMistake(const std::string& program, std::string_view message) {
   printError(program + ": " + std::string(message) + " (see '" + program + " --help')");
-  return kUsageMistake;
+  return kOrxCliUsageMistake;
 }
 
-int run(const OrxCliCommand& command, OrxCliArguments& arguments) {
+const OrxCliCommand* commandNamed(std::span<const OrxCliCommand* const> commands, std::string_view name) {
+  const auto found = std::find_if(commands.begin(), commands.end(),
+                                  [&](const OrxCliCommand* candidate) { return candidate->name == name; });
+  return found == commands.end() ? nullptr : *found;
+}
+
+int run(const OrxCliCommand& command, const std::string& program, OrxCliArguments& arguments) {
   try {
-    if (arguments.flag("--help")) {
-      orxCliPrint(commandHelp(command));
+    if (!command.subcommands.empty()) {
+      const auto word = arguments.nextIfAny();
+      if (!word || isHelp(*word)) {
+        if (!word && !arguments.flag("--help") && !arguments.flag("-h")) throw OrxCliUsageError("missing SUBCOMMAND");
+        orxCliPrint(commandHelp(command, program));
+        return 0;
+      }
+      const OrxCliCommand* subcommand = commandNamed(command.subcommands, *word);
+      if (!subcommand) throw OrxCliUsageError("unknown subcommand \"" + *word + "\"");
+      return run(*subcommand, program + " " + *word, arguments);
+    }
+    if (arguments.flag("--help") || arguments.flag("-h")) {
+      orxCliPrint(commandHelp(command, program));
       return 0;
     }
     return command.run(arguments);
   } catch (const OrxCliUsageError& error) {
-    return usageMistake("ravo-orx " + std::string(command.name), error.what());
+    return usageMistake(program, error.what());
   } catch (const std::exception& error) {
     printError(error.what());
-    return kRefusedInput;
+    return kOrxCliRefusedInput;
   }
 }
 
@@ -76,20 +107,23 @@ int finishOutput(int status) {
   const int error = std::fflush(stdout) != 0 ? errno : std::ferror(stdout) ? EIO : 0;
   if (error == 0) return status;
   printError("ravo-orx: could not write standard output: " + std::string(std::strerror(error)));
-  return kRefusedInput;
+  return kOrxCliRefusedInput;
 }
 
-int dispatch(const std::vector<std::string>& words) {
-  if (words.empty()) return usageMistake("ravo-orx", "missing COMMAND");
-  if (words.front() == "--help") {
+int dispatch(std::vector<std::string> words) {
+  if (words.empty()) {
+    std::fputs((toolHelp() + "\n").c_str(), stderr);
+    return kOrxCliUsageMistake;
+  }
+  if (isHelp(words.front())) {
     orxCliPrint(toolHelp());
     return 0;
   }
-  const auto command = std::find_if(kCommands.begin(), kCommands.end(),
-                                    [&](const OrxCliCommand* candidate) { return candidate->name == words.front(); });
-  if (command == kCommands.end()) return usageMistake("ravo-orx", "unknown command \"" + words.front() + "\"");
+  if (words.front() == "--version") words.front() = "version";
+  const OrxCliCommand* command = commandNamed(kCommands, words.front());
+  if (!command) return usageMistake("ravo-orx", "unknown command \"" + words.front() + "\"");
   OrxCliArguments arguments(std::vector<std::string>(words.begin() + 1, words.end()));
-  return run(**command, arguments);
+  return run(*command, "ravo-orx " + words.front(), arguments);
 }
 
 }  // namespace
@@ -101,4 +135,3 @@ int main(int argc, char** argv) {
   setOrxLogSink([](OrxLogLevel, std::string_view) {});
 
   return finishOutput(dispatch(std::vector<std::string>(argv + 1, argv + argc)));
-}

@@ -24,8 +24,9 @@ int main(int argc, char** argv) {
     const std::string digest = ORXSHA256::hex(bytes);
     if (entry == approved.end() || entry->second != digest) {
       std::fprintf(stderr,
-                   "%s has SHA-256 %s, but this build approves %s for %s. Rebuild the artifacts with "
-                   "tools/build_orx.sh and update runtime/OrxBuildConstants.cpp in the same commit.\n",
+                   "%s has SHA-256 %s, but this build approves %s for %s. Run 'ravo-orx policy build' "
+                   "(or tools/build_orx.sh) from the repository root: it writes the artifacts and "
+                   "runtime/OrxBuildConstants.cpp together.\n",
                    argv[2], digest.c_str(), entry == approved.end() ? "nothing" : entry->second.c_str(),
                    module.c_str());
       return 1;

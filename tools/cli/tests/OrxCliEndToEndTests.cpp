@@ -1,110 +1,35 @@
 // The built ravo-orx, driven like its users drive it: every subcommand with good and bad input, and
 // exactly what it writes to standard output and standard error and the status it exits with.
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <vector>
-
-extern char** environ;
+#include "tools/cli/tests/OrxCliToolRunner.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-using Words = std::vector<std::string>;
+using namespace orx_cli_test;
 
-const fs::path kRoot = ORX_REPOSITORY_ROOT;
-const std::string kData = (kRoot / "tools/cli/tests/data").string() + "/";
-
-struct Outcome {
-  std::string out;
-  std::string err;
-  int status = -1;
-
-  friend bool operator==(const Outcome&, const Outcome&) = default;
-  friend std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
-    return stream << "status " << outcome.status << ", stdout \"" << outcome.out << "\", stderr \"" << outcome.err
-                  << "\"";
-  }
-};
-
-// A directory of this test process under the temporary directory, removed with the value.
-struct Scratch {
-  explicit Scratch(const std::string& name) : path(fs::temp_directory_path() / (name + std::to_string(::getpid()))) {
-    fs::create_directories(path);
-  }
-  ~Scratch() { fs::remove_all(path); }
-  fs::path path;
-};
-
-std::string fileText(const fs::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-// Runs the built tool as its users do, with standard input, output and error redirected to files;
-// standard output goes to `output` when one is named.
-Outcome run(Words arguments, const std::string& input, const fs::path& workingDirectory = kRoot,
-            const fs::path& output = {}) {
-  const Scratch scratch("ravo-orx-run-");
-  const auto in = scratch.path / "in", err = scratch.path / "err";
-  const auto out = output.empty() ? scratch.path / "out" : output;
-  std::ofstream(in, std::ios::binary) << input;
-  arguments.insert(arguments.begin(), ORX_CLI_TOOL);
-  std::vector<char*> argv;
-  for (auto& word : arguments) argv.push_back(word.data());
-  argv.push_back(nullptr);
-
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  posix_spawn_file_actions_addchdir_np(&actions, workingDirectory.c_str());
-  pid_t child = 0;
-  const int spawned = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  int status = 0;
-  if (spawned != 0 || ::waitpid(child, &status, 0) != child) return {};
-  return {output.empty() ? fileText(out) : "", fileText(err),
-          WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
-}
-
-struct Case {
-  Words arguments;
-  std::string input;
-  Outcome expected;
-};
-
-Outcome printed(const std::string& out) { return {out + "\n", "", 0}; }
-Outcome refused(const std::string& err) { return {"", err + "\n", 1}; }
-Outcome misused(const std::string& command, const std::string& message) {
-  return {"", "ravo-orx " + command + ": " + message + " (see 'ravo-orx " + command + " --help')\n", 2};
-}
-
-void expectOutcomes(const std::vector<Case>& cases, const fs::path& workingDirectory = kRoot) {
-  for (const auto& [arguments, input, expected] : cases) {
-    std::string command;
-    for (const auto& word : arguments) command += " " + word;
-    EXPECT_EQ(run(arguments, input, workingDirectory), expected) << "ravo-orx" << command;
-  }
-}
-
-TEST(RavoOrxTool, HelpAndCommands) {
-  expectOutcomes({{{}, "", {"", "ravo-orx: missing COMMAND (see 'ravo-orx --help')\n", 2}},
-                  {{"frob"}, "", {"", "ravo-orx: unknown command \"frob\" (see 'ravo-orx --help')\n", 2}}});
+TEST(RavoOrxTool, HelpVersionAndCommands) {
   const std::string toolHelp = run({"--help"}, "").out;
+  ASSERT_TRUE(toolHelp.starts_with("usage: ravo-orx COMMAND [ARGUMENTS]\n")) << toolHelp;
+  expectOutcomes({{{}, "", {"", toolHelp, 2}},
+                  {{"-h"}, "", {toolHelp, "", 0}},
+                  {{"--version"}, "", printed("ravo-orx 1.0.0")},
+                  {{"version"}, "", printed("ravo-orx 1.0.0")},
+                  {{"version", "x"}, "", misused("version", "unexpected argument \"x\"")},
+                  {{"frob"}, "", {"", "ravo-orx: unknown command \"frob\" (see 'ravo-orx --help')\n", 2}},
+                  {{"policy"}, "", misused("policy", "missing SUBCOMMAND")},
+                  {{"policy", "frob"}, "", misused("policy", "unknown subcommand \"frob\"")}});
   for (const std::string command :
-       {"canon", "digest", "evidence", "status", "decide", "resolve", "shortlist", "scenario"}) {
-    const auto outcome = run({command, "--help"}, "");
-    EXPECT_TRUE(outcome.out.starts_with("usage: ravo-orx " + command + " ") && outcome.status == 0) << outcome;
+       {"canon", "digest", "evidence", "status", "decide", "policy", "resolve", "shortlist", "scenario"}) {
+    for (const std::string help : {"--help", "-h"}) {
+      const auto outcome = run({command, help}, "");
+      EXPECT_TRUE(outcome.out.starts_with("usage: ravo-orx " + command + " ") && outcome.status == 0) << outcome;
+    }
     EXPECT_NE(toolHelp.find("\n  " + command + " "), std::string::npos) << command;
+  }
+  for (const std::string subcommand : {"check", "test", "eval", "bench", "build"}) {
+    const auto outcome = run({"policy", subcommand, "-h"}, "");
+    EXPECT_TRUE(outcome.out.starts_with("usage: ravo-orx policy " + subcommand + " ") && outcome.status == 0)
+        << outcome;
   }
 }
 
@@ -113,6 +38,7 @@ TEST(RavoOrxTool, Canon) {
   expectOutcomes({
       {{"canon"}, R"({ "b": [1, true], "a": "\u00e9" })", printed(R"({"a":"é","b":[1,true]})")},
       {{"canon", kData + "evidence-allow.json"}, "", printed(evidence)},
+      {{"canon", "-"}, "[2,1]", printed("[2,1]")},
       {{"canon"}, "[1.5]", refused("orx.v051.parse_invalid: floating JSON numbers are not canonical ORX values")},
       {{"canon", "/nonexistent.json"}, "", refused("could not read /nonexistent.json: No such file or directory")},
       {{"canon", "--pretty"}, "", misused("canon", "unknown option --pretty")},
@@ -184,6 +110,10 @@ TEST(RavoOrxTool, Status) {
   expectOutcomes({{{"status"}, "", {unavailable + "Bundled ORX artifacts were not found\n", "", 1}}}, scratch.path);
 }
 
+const std::string kPlaysFacts =
+    R"({"role": 2, "command": 6, "grantFlags": 63, "tokenAgeMilliseconds": 1000, "tokenTTLMilliseconds": 900000,)"
+    R"( "rateUsed": 0, "rateLimit": 600, "controlMode": 1})";
+
 TEST(RavoOrxTool, Decide) {
   const Words plays{"decide", "authz", "2", "6", "63", "1000", "900000", "0", "600", "1"};
   auto with = [](Words words, const Words& extra) {
@@ -192,15 +122,28 @@ TEST(RavoOrxTool, Decide) {
   };
   const std::string factRange = " must be an integer from -2147483648 to 2147483647, got ";
   expectOutcomes({
-      {plays, "", printed(R"({"isAllowed":true,"reason":"allowed","policyVersion":3})")},
+      {plays, "", printed(R"({"isAllowed":true,"reason":"allowed","policyVersion":3,"source":"policy"})")},
       {{"decide", "sync", "501", "20", "5", "10000", "100", "0", "500", "50"}, "",
-       printed(R"({"action":"seek","rateX1000":1000,"correctionMilliseconds":-501,"reason":4})")},
+       printed(R"({"action":"seek","rateX1000":1000,"correctionMilliseconds":-501,"reason":4,"source":"policy"})")},
       {{"decide", "--artifacts=artifacts", "cinema", "2500", "2500", "5000", "0", "0", "0", "20", "0", "0", "50", "20",
         "5000", "3"}, "",
        printed(R"({"route":"sparseAnchorResearch","sparseAnchorIntervalFrames":22,)"
-               R"("safeBudgetTenthsMilliseconds":272,"reason":"sparseResearch"})")},
+               R"("safeBudgetTenthsMilliseconds":272,"reason":"sparseResearch","source":"policy"})")},
       {with(plays, {"--artifacts", "/nonexistent"}), "",
-       printed(R"({"isAllowed":false,"reason":"runtimeUnavailable","policyVersion":0})")},
+       {R"({"isAllowed":false,"reason":"runtimeUnavailable","policyVersion":0,"source":"moduleUnavailable"})"
+        "\n",
+        "ravo-orx decide: warning: the policy artifacts did not load: could not read /nonexistent/evidence.json: No "
+        "such file or directory\n",
+        3}},
+      {{"decide", "--facts", "-", "authz"}, kPlaysFacts,
+       printed(R"({"isAllowed":true,"reason":"allowed","policyVersion":3,"source":"policy"})")},
+      {{"decide", "authz", "--facts", "-"}, R"({"role": 2})", misused("decide", "missing fact \"command\"")},
+      {{"decide", "authz", "--facts", "-"}, R"({"role": 2, "rolee": 1})",
+       misused("decide", "unknown fact \"rolee\" for authz")},
+      {{"decide", "authz", "--facts", "-"}, R"({"role": 2.5})",
+       misused("decide", "fact \"role\"" + factRange + "2.5")},
+      {{"decide", "authz", "--facts", "-"}, "[1]", refused("facts: expected a JSON object keyed by the fact names")},
+      {{"decide", "authz", "--facts", "-", "1"}, "", misused("decide", "unexpected argument \"1\"")},
       {{"decide", "authz", "1", "2", "3"}, "", misused("decide", "authz takes 8 facts, got 3")},
       {{"decide", "sync", "1.5"}, "", misused("decide", "fact 1" + factRange + "\"1.5\"")},
       {{"decide", "sync", "0", "2147483648"}, "", misused("decide", "fact 2" + factRange + "\"2147483648\"")},
@@ -262,8 +205,8 @@ TEST(RavoOrxTool, Scenario) {
   const std::string forgedDigest = ": RavoScenarioRevision.graphDigest does not match the draft's graph\n";
   expectOutcomes({
       {{"scenario", "validate", kData + "draft.json"}, "", printed("[]")},
-      {{"scenario", "validate"}, fileText(kData + "draft-invalid.json"),
-       printed("[\"missingCapability(ravo.audio.volume)\",\"missingInputKey\",\"cycleDetected\"]")},
+      {{"scenario", "validate", "-"}, fileText(kData + "draft-invalid.json"),
+       {"[\"missingCapability(ravo.audio.volume)\",\"missingInputKey\",\"cycleDetected\"]\n", "", 1}},
       {{"scenario", "validate"}, "[]", refused("RavoScenarioDraft: expected an object, found an array")},
       // Cross-checked with Python: SHA-256 of json.dumps(graph, sort_keys=True, separators=(",", ":")).
       {{"scenario", "digest", kData + "graph.json"}, "",
@@ -297,6 +240,8 @@ TEST(RavoOrxTool, AFailedWriteIsReportedAndExitsOne) {
       {{"resolve", "pause"}, ""},
       {{"shortlist", "pause"}, ""},
       {{"scenario", "validate", kData + "draft.json"}, ""},
+      {{"policy", "test"}, ""},
+      {{"--version"}, ""},
   };
   for (const auto& [arguments, input] : commands) {
     EXPECT_EQ(run(arguments, input, kRoot, "/dev/full"), full) << arguments.front();

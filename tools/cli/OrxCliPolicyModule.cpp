@@ -1,0 +1,34 @@
+#include "tools/cli/OrxCliPolicyModule.h"
+
+#include "core/ORXSHA256.h"
+#include "runtime/OrxBuildConstants.h"
+#include "runtime/OrxModuleInstance.h"
+#include "tools/cli/OrxCliIO.h"
+
+OrxCliPolicyModule OrxCliPolicyModule::read(const std::string& file) {
+  const std::string text = orxCliReadInput(file);
+  std::vector<std::uint8_t> bytes(text.begin(), text.end());
+  std::string digest = ORXSHA256::hex(bytes);
+  return {file == "-" ? "standard input" : file, std::move(bytes), std::move(digest)};
+}
+
+std::optional<std::string> OrxCliPolicyModule::approvedAs() const {
+  for (const auto& [module, approved] : OrxBuildConstants::expectedDigests()) {
+    if (approved == digest) return module;
+  }
+  return std::nullopt;
+}
+
+std::unique_ptr<LoadedModule> OrxCliPolicyModule::load(std::string_view name, bool allowPrecompiled) const {
+  return LoadedModule::instantiate(name, bytes, allowPrecompiled);
+}
+
+std::string OrxCliPolicyModule::executionBound() const {
+  const auto bound = describeExecutionBound(bytes.data(), bytes.size());
+  if (!bound) return "refused by the host";
+  const std::string budget = std::to_string(bound->fuelPerCall) + " fuel units";
+  if (bound->bounded) {
+    return "statically bounded: at most " + std::to_string(bound->worstCaseFuel) + " of " + budget + " per call";
+  }
+  return "metered (" + bound->meteringReason + "): a call that exceeds " + budget + " traps";
+}

@@ -1,0 +1,53 @@
+#include <cstdio>
+#include <filesystem>
+
+#include "tools/cli/OrxCliCommand.h"
+#include "tools/cli/OrxCliIO.h"
+#include "tools/package_check/OrxArtifactBuild.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kConstantsSource = "runtime/OrxBuildConstants.cpp";
+
+int runBuild(OrxCliArguments& arguments) {
+  const OrxArtifactBuildPaths paths{arguments.option("--policies").value_or("policies"),
+                                    arguments.option("--artifacts").value_or("artifacts"), kConstantsSource};
+  arguments.finish();
+  if (!fs::exists("runtime/OrxBuildConstants.h") || !fs::is_directory("tools/package_check")) {
+    throw std::runtime_error("ravo-orx policy build runs from the repository root (no runtime/OrxBuildConstants.h "
+                             "and tools/package_check/ here)");
+  }
+  const auto assembler = OrxWatAssembler::find();
+  const auto toolchain = OrxToolchainIdentity::of(assembler, ".");
+  const auto build = buildOrxArtifacts(paths, assembler, toolchain);
+  if (!build.failures.empty()) {
+    for (const auto& failure : build.failures) std::fprintf(stderr, "%s\n", failure.c_str());
+    std::fprintf(stderr, "ravo-orx policy build: the package check failed; nothing was written\n");
+    return kOrxCliRefusedInput;
+  }
+  for (const auto& module : build.modules) {
+    std::string line = module.module;
+    line.resize(18, ' ');
+    orxCliPrint(line + "pass  wasm " + module.wasm.substr(0, 8));
+  }
+  const auto written = writeChangedFiles(build.files);
+  for (const auto& path : written) orxCliPrint("wrote " + path.string());
+  if (written.empty()) orxCliPrint("artifacts and build constants unchanged");
+  else orxCliPrint("rebuild the project to approve the new artifacts");
+  return 0;
+}
+
+}  // namespace
+
+constinit const OrxCliCommand kOrxCliPolicyBuildCommand{
+    "build", "[--policies DIR] [--artifacts DIR]", "build the artifacts and the constants that approve them",
+    "Run from the repository root. Assembles policies/<module>.wat of the three modules with wat2wasm,\n"
+    "runs the package check on each (the runtime's module host and budgets, the manifest's contract\n"
+    "and every case) and, only when every module passes, writes the artifacts (<module>.wasm,\n"
+    "<module>.package-check.json, evidence.json) and runtime/OrxBuildConstants.cpp, so that the next\n"
+    "build of the project approves exactly those artifacts. Only files whose bytes change are written:\n"
+    "rebuilding unchanged policies leaves every file as it was. When anything fails it writes nothing\n"
+    "and exits with status 1. tools/README.md defines the compiler identity and toolchain digest.\n",
+    runBuild};

@@ -1,0 +1,92 @@
+#include <algorithm>
+#include <filesystem>
+
+#include "tools/cli/OrxCliCommand.h"
+#include "tools/cli/OrxCliIO.h"
+#include "tools/cli/OrxCliPolicyModule.h"
+#include "tools/package_check/OrxPolicyKind.h"
+#include "tools/package_check/OrxPolicyManifest.h"
+
+namespace {
+
+void printField(std::string_view label, const std::string& value) {
+  std::string line(label);
+  line.resize(11, ' ');
+  orxCliPrint(line + value);
+}
+
+std::string joined(const std::vector<std::string>& texts) {
+  std::string text;
+  for (const auto& item : texts) text += (text.empty() ? "" : "; ") + item;
+  return text.empty() ? "none" : text;
+}
+
+// What the module's interface lacks for the manifest, or, without one, for any of the three decisions.
+std::optional<std::string> contractProblem(const OrxModuleInterface& interface,
+                                           const std::optional<OrxPolicyManifest>& manifest) {
+  auto exports = [&](const std::string& signature) {
+    return std::find(interface.exports.begin(), interface.exports.end(), signature) != interface.exports.end();
+  };
+  if (manifest) {
+    if (!orxPolicyKindOfModule(manifest->module)) return "the manifest names no module of this runtime";
+    if (interface.imports != manifest->imports) return "imports differ from the manifest's " + joined(manifest->imports);
+    if (!exports(manifest->decide)) return "no export " + manifest->decide;
+    return std::nullopt;
+  }
+  if (interface.imports.size() != 1 || !interface.imports[0].starts_with("func output.emit(")) {
+    return "imports must be exactly the function output.emit";
+  }
+  for (const std::size_t facts : {8, 13}) {
+    std::string signature = "func decide(";
+    for (std::size_t i = 0; i < facts; ++i) signature += i ? ", i32" : "i32";
+    if (exports(signature + ") -> (i32)")) return std::nullopt;
+  }
+  return "no export decide taking 8 or 13 i32 facts and returning i32";
+}
+
+int runCheck(OrxCliArguments& arguments) {
+  const std::string moduleFile = arguments.next("MODULE");
+  const auto manifestFile = arguments.nextIfAny();
+  arguments.finish();
+  if (moduleFile == "-" && manifestFile == "-") {
+    throw OrxCliUsageError("MODULE and MANIFEST cannot both be standard input");
+  }
+  const auto module = OrxCliPolicyModule::read(moduleFile);
+  std::optional<OrxPolicyManifest> manifest;
+  if (manifestFile) {
+    const std::string text = orxCliReadInput(manifestFile);
+    manifest = OrxPolicyManifest::decode(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()),
+                                         *manifestFile == "-" ? "standard input" : *manifestFile);
+  }
+
+  const std::string name = manifest ? manifest->module : std::filesystem::path(module.file).stem().string();
+  const auto loaded = module.load(name, /*allowPrecompiled=*/true);  // the host's refusal ends the check
+  const auto interface = describeModuleInterface(module.bytes.data(), module.bytes.size());
+  printField("module", module.file);
+  printField("sha256", module.digest);
+  printField("imports", joined(interface->imports));
+  printField("exports", joined(interface->exports));
+  const auto approved = module.approvedAs();
+  printField("approved", approved ? "yes, as " + *approved : std::string("no, this build approves other bytes"));
+  printField("execution", module.executionBound());
+  printField("tier", loaded->tier() == OrxExecutionTier::precompiled ? "precompiled" : "interpreted");
+  if (const auto problem = contractProblem(*interface, manifest)) {
+    printField("contract", "refused: " + *problem);
+    throw std::runtime_error(module.file + ": " + *problem);
+  }
+  printField("contract", manifest ? "matches " + *manifestFile : std::string("a policy module's"));
+  return 0;
+}
+
+}  // namespace
+
+constinit const OrxCliCommand kOrxCliPolicyCheckCommand{
+    "check", "MODULE.wasm [MANIFEST]", "load a module as the runtime would and describe it",
+    "Loads MODULE through the runtime's module host and its load budgets, and prints its SHA-256, its\n"
+    "imports and exports, whether this build approves its digest, how its execution is bounded (its\n"
+    "proven worst case per call, or why it is metered) and the tier it would run on. It then checks the\n"
+    "import/export contract: against MANIFEST's imports and decide signature when given, otherwise the\n"
+    "contract every policy module keeps (one import output.emit, an export decide taking 8 or 13 i32\n"
+    "facts). Either file may be '-' for standard input. Exit status 0 when the module is admitted, 1 when\n"
+    "the host refuses it (its own text on standard error) or the contract does not hold.\n",
+    runCheck};

@@ -1,0 +1,33 @@
+#include <cstdio>
+
+#include "tools/cli/OrxCliCommand.h"
+#include "tools/cli/OrxCliDecisions.h"
+#include "tools/cli/OrxCliPolicyModule.h"
+
+namespace {
+
+int runEval(OrxCliArguments& arguments) {
+  const std::optional<std::string> factsFile = arguments.option("--facts");
+  const std::string file = arguments.next("MODULE");
+  if (file == "-" && factsFile == "-") throw OrxCliUsageError("MODULE and --facts cannot both be standard input");
+  const OrxPolicyKind& kind = orxCliPolicyKind(arguments);
+  const auto facts = orxCliFacts(arguments, kind, factsFile);
+  const auto module = OrxCliPolicyModule::read(file);
+  OrxPolicyDecider decider(orxModulesWith(kind, module.load(kind.module, /*allowPrecompiled=*/false)));
+  if (!module.approvedAs()) {
+    std::fprintf(stderr, "ravo-orx policy eval: warning: %s (sha256 %.8s) is not approved by this build\n",
+                 module.file.c_str(), module.digest.c_str());
+  }
+  return orxCliPrintAnswer(orxDecide(kind, decider, facts));
+}
+
+}  // namespace
+
+constinit const OrxCliCommand kOrxCliPolicyEvalCommand{
+    "eval", "MODULE.wasm authz|sync|cinema (FACT... | --facts FILE|-)", "take one decision with any module",
+    "Loads MODULE ('-' for standard input) through the runtime's module host on the interpreter,\n"
+    "approved or not, takes one decision with the facts given as for 'ravo-orx decide', and prints it\n"
+    "exactly as decide does, with its \"source\". Standard error warns when this build does not approve\n"
+    "the module. A module that traps, or runs out of its budget, answers fail-safe with source \"trap\"\n"
+    "and exit status 3; one the host refuses to load exits with status 1 and the host's own text.\n",
+    runEval};

@@ -1,0 +1,253 @@
+// The policy authors' toolchain, `ravo-orx policy ...`, driven like its users drive it: on the bundled
+// policies, on copies with one thing wrong, and on modules that trap or never stop.
+
+#include <regex>
+
+#include "runtime/tests/WatAssembler.h"
+#include "tools/cli/tests/OrxCliToolRunner.h"
+
+namespace {
+
+using namespace orx_cli_test;
+
+const Words kPlays{"2", "6", "63", "1000", "900000", "0", "600", "1"};
+const std::string kAllowed = R"({"isAllowed":true,"reason":"allowed","policyVersion":3,"source":"policy"})";
+const std::string kTrapped =
+    R"({"isAllowed":false,"reason":"runtimeUnavailable","policyVersion":0,"source":"trap"})";
+
+Words with(Words words, const Words& extra) {
+  words.insert(words.end(), extra.begin(), extra.end());
+  return words;
+}
+
+void writeFile(const fs::path& path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
+
+void replaceIn(const fs::path& path, const std::string& from, const std::string& to) {
+  std::string text = fileText(path);
+  const auto at = text.find(from);
+  ASSERT_NE(at, std::string::npos) << from;
+  writeFile(path, text.replace(at, from.size(), to));
+}
+
+// An authorization-shaped module whose decide body is `body`.
+std::string authorizationModule(const std::string& body) {
+  return R"((module
+  (import "output" "emit" (func $emit (param i32 i32 i32 i32 i32) (result i32)))
+  (func (export "decide") (param i32 i32 i32 i32 i32 i32 i32 i32) (result i32) )" +
+         body + "))";
+}
+
+// Modules the bundle does not approve, written into a scratch directory.
+struct Modules {
+  Modules() : scratch("ravo-orx-modules-") {
+    for (const auto& [name, body] : {std::pair<std::string, std::string>{"trap", "unreachable"},
+                                     {"loop", "(loop $forever (br $forever)) (i32.const 0)"}}) {
+      const auto bytes = assembleWat(authorizationModule(body));
+      writeFile(scratch.path / (name + ".wasm"), std::string(bytes.begin(), bytes.end()));
+    }
+  }
+  std::string trap() const { return (scratch.path / "trap.wasm").string(); }
+  std::string loop() const { return (scratch.path / "loop.wasm").string(); }
+  Scratch scratch;
+};
+
+TEST(RavoOrxPolicy, Test) {
+  const Scratch scratch("ravo-orx-policies-");
+  const fs::path wrong = scratch.path / "wrong", partial = scratch.path / "partial", binary = scratch.path / "binary",
+                 broken = scratch.path / "broken", empty = scratch.path / "empty";
+  fs::copy(kRoot / "policies", wrong);
+  replaceIn(wrong / "player_authz.manifest.json",
+            R"("token exactly at its TTL is expired", "facts": [2, 6, 63, 900000, 900000, 0, 600, 1], "emits": [5201, 0, 6, 2, 3])",
+            R"("token exactly at its TTL is expired", "facts": [2, 6, 63, 900000, 900000, 0, 600, 1], "emits": [5201, 0, 6, 3, 3])");
+  // Three sync cases only: two holds (reason 0) and a nudge (reason 3).
+  fs::create_directories(partial);
+  fs::copy(kRoot / "policies/sync_correction.wat", partial);
+  std::string manifest = fileText(kRoot / "policies/sync_correction.manifest.json");
+  const auto third = manifest.find("    {\"case\": \"drift just past the tolerance");
+  writeFile(partial / "sync_correction.manifest.json", manifest.substr(0, manifest.rfind(",\n", third)) + "\n  ]\n}\n");
+  // A module without its source is taken from the .wasm beside the manifest.
+  fs::create_directories(binary);
+  fs::copy(kRoot / "policies/cinema_admission.manifest.json", binary);
+  fs::copy(kRoot / "artifacts/cinema_admission.wasm", binary);
+  fs::copy(partial, broken);
+  writeFile(broken / "sync_correction.wat", "(module (func $oops)");
+  fs::create_directories(empty);
+
+  expectOutcomes({
+      {{"policy", "test"}, "", printed("79 passed, 0 failed")},
+      {{"policy", "test", wrong.string()}, "",
+       {"FAIL player_authz \"token exactly at its TTL is expired\": expected [5201, 0, 6, 3, 3], emitted "
+        "[5201, 0, 6, 2, 3]\n78 passed, 1 failed\n",
+        "", 1}},
+      {{"policy", "test", "--coverage", partial.string()}, "",
+       printed("coverage sync_correction: its cases never produce reason 1 2 4 5\n3 passed, 0 failed")},
+      {{"policy", "test", "-v", partial.string()}, "",
+       printed("PASS sync_correction \"drift inside the tolerance holds\"\n"
+               "PASS sync_correction \"drift at the tolerance holds\"\n"
+               "PASS sync_correction \"small drift ahead nudges slower\"\n3 passed, 0 failed")},
+      {{"policy", "test", binary.string(), "--coverage"}, "",
+       printed("coverage cinema_admission: its cases produce every reason\n24 passed, 0 failed")},
+      {{"policy", "test", broken.string()}, "",
+       {"FAIL sync_correction: " + broken.string() + "/sync_correction.wat:1:21: error: unexpected token EOF, "
+        "expected ).\n0 passed, 3 failed\n", "", 1}},
+      {{"policy", "test", empty.string()}, "", refused("no *.manifest.json in " + empty.string())},
+      {{"policy", "test", "a", "b"}, "", misused("policy test", "unexpected argument \"b\"")},
+  });
+  const auto verbose = run({"policy", "test", "-v"}, "");
+  EXPECT_EQ(std::count(verbose.out.begin(), verbose.out.end(), '\n'), 80) << verbose;
+}
+
+TEST(RavoOrxPolicy, Eval) {
+  const Modules modules;
+  auto notApproved = [](const std::string& module, const std::string& digest) {
+    return "ravo-orx policy eval: warning: " + module + " (sha256 " + digest + ") is not approved by this build\n";
+  };
+  expectOutcomes({
+      {with({"policy", "eval", "artifacts/player_authz.wasm", "authz"}, kPlays), "", printed(kAllowed)},
+      {{"policy", "eval", "--facts", "-", "artifacts/player_authz.wasm", "authz"},
+       R"({"role": 2, "command": 6, "grantFlags": 63, "tokenAgeMilliseconds": 1000, "tokenTTLMilliseconds": 900000,
+           "rateUsed": 0, "rateLimit": 600, "controlMode": 1})",
+       printed(kAllowed)},
+      {with({"policy", "eval", "-", "authz"}, kPlays), fileText(kRoot / "artifacts/player_authz.wasm"),
+       printed(kAllowed)},
+      {with({"policy", "eval", modules.trap(), "authz"}, kPlays), "",
+       {kTrapped + "\n", notApproved(modules.trap(), "fc2130c4"), 3}},
+      // A module that never stops runs out of its execution budget.
+      {with({"policy", "eval", modules.loop(), "authz"}, kPlays), "",
+       {kTrapped + "\n", notApproved(modules.loop(), "353a710f"), 3}},
+      {with({"policy", "eval", "/nonexistent.wasm", "authz"}, kPlays), "",
+       refused("could not read /nonexistent.wasm: No such file or directory")},
+      {{"policy", "eval", "--facts=-", "-", "authz"}, "",
+       misused("policy eval", "MODULE and --facts cannot both be standard input")},
+      {{"policy", "eval", modules.trap(), "sync", "1"}, "", misused("policy eval", "sync takes 8 facts, got 1")},
+      {{"policy", "eval"}, "", misused("policy eval", "missing MODULE")},
+  });
+}
+
+TEST(RavoOrxPolicy, Check) {
+  const Modules modules;
+  const std::string authz = "artifacts/player_authz.wasm";
+  const std::string description =
+      "module     " + authz +
+      "\nsha256     c3ea776c8111d6bad7552b1afbae282fa7f5596cc0f25fd4645b69a88da2a3d7\n"
+      "imports    func output.emit(i32, i32, i32, i32, i32) -> (i32)\n"
+      "exports    func decide(i32, i32, i32, i32, i32, i32, i32, i32) -> (i32)\n"
+      "approved   yes, as player_authz\n"
+      "execution  statically bounded: at most 244 of 1000000 fuel units per call\n";
+  const auto loop = run({"policy", "check", modules.loop()}, "");
+  EXPECT_TRUE(loop.status == 0 && loop.out.ends_with("\napproved   no, this build approves other bytes\n"
+                                                     "execution  metered (it contains a loop): a call that exceeds "
+                                                     "1000000 fuel units traps\ntier       interpreted\n"
+                                                     "contract   a policy module's\n"))
+      << loop;
+  expectOutcomes({
+      {{"policy", "check", authz, "policies/player_authz.manifest.json"}, "",
+       printed(description + "tier       precompiled\ncontract   matches policies/player_authz.manifest.json")},
+      {{"policy", "check", authz, "policies/cinema_admission.manifest.json"}, "",
+       {description +
+            "tier       precompiled\ncontract   refused: no export func decide(i32, i32, i32, i32, i32, i32, i32, i32, "
+            "i32, i32, i32, i32, i32) -> (i32)\n",
+        authz + ": no export func decide(i32, i32, i32, i32, i32, i32, i32, i32, i32, i32, i32, i32, i32) -> (i32)\n",
+        1}},
+      {{"policy", "check", "-", "policies/player_authz.manifest.json"}, fileText(kRoot / authz),
+       printed("module     standard input" + description.substr(description.find('\n')) +
+               "tier       precompiled\ncontract   matches policies/player_authz.manifest.json")},
+      {{"policy", "check", authz, "-"}, "{}",
+       refused("standard input: [json.exception.out_of_range.403] key 'module' not found")},
+      {{"policy", "check", "-", "-"}, "",
+       misused("policy check", "MODULE and MANIFEST cannot both be standard input")},
+      {{"policy", "check", "policies/player_authz.manifest.json"}, "",
+       refused("Could not instantiate ORX module player_authz.manifest: CompileError: 0000004: error: bad magic "
+               "value")},
+      {{"policy", "check", authz, "/nonexistent.json"}, "",
+       refused("could not read /nonexistent.json: No such file or directory")},
+  });
+}
+
+TEST(RavoOrxPolicy, Bench) {
+  const Modules modules;
+  const auto timed = run(with({"policy", "bench", "--runs", "3", "--decisions=200", "artifacts/sync_correction.wasm",
+                               "sync"},
+                              kPlays),
+                         "");
+  EXPECT_TRUE(timed.status == 0 && timed.err.empty() &&
+              std::regex_match(timed.out, std::regex("artifacts/sync_correction.wasm: [0-9]+\\.[0-9]{3} \u00B5s/decision "
+                                                     "on the precompiled tier \\(median of 3 runs of 200 decisions\\)\n")))
+      << timed;
+  const auto trapped = run(with({"policy", "bench", "--runs=1", "--decisions=10", modules.loop(), "authz"}, kPlays), "");
+  EXPECT_TRUE(trapped.status == 0 && trapped.out.find(" on the interpreted tier (median of 1 runs of 10 decisions)\n") !=
+                                         std::string::npos &&
+              trapped.err == "ravo-orx policy bench: warning: these facts give the fail-safe decision (trap)\n")
+      << trapped;
+  expectOutcomes({
+      {with({"policy", "bench", "--runs", "0", modules.trap(), "authz"}, kPlays), "",
+       misused("policy bench", "--runs must be an integer from 1 to 101, got \"0\"")},
+      {with({"policy", "bench", "policies/player_authz.manifest.json", "authz"}, kPlays), "",
+       refused("Could not instantiate ORX module player_authz: CompileError: 0000004: error: bad magic value")},
+  });
+}
+
+// The build runs in a scratch tree holding what it reads: the policies, the package check's sources
+// (part of the toolchain digest) and the constants header that marks the repository root.
+struct BuildTree {
+  BuildTree() : scratch("ravo-orx-build-") {
+    fs::copy(kRoot / "policies", root / "policies");
+    fs::create_directories(root / "tools");
+    fs::copy(kRoot / "tools/package_check", root / "tools/package_check");
+    fs::create_directories(root / "runtime");
+    fs::copy(kRoot / "runtime/OrxBuildConstants.h", root / "runtime");
+  }
+  Outcome build() const { return run({"policy", "build"}, "", root); }
+  Scratch scratch;
+  fs::path root = scratch.path;
+};
+
+const std::vector<std::string> kBuiltFiles{
+    "artifacts/player_authz.wasm",         "artifacts/player_authz.package-check.json",
+    "artifacts/sync_correction.wasm",      "artifacts/sync_correction.package-check.json",
+    "artifacts/cinema_admission.wasm",     "artifacts/cinema_admission.package-check.json",
+    "artifacts/evidence.json",             "runtime/OrxBuildConstants.cpp"};
+
+TEST(RavoOrxPolicy, BuildReproducesTheCommittedArtifactsAndConstants) {
+  const BuildTree tree;
+  std::string wrote;
+  for (const auto& file : kBuiltFiles) wrote += "wrote " + file + "\n";
+  const std::string modules =
+      "player_authz      pass  wasm c3ea776c\nsync_correction   pass  wasm 7155bd93\n"
+      "cinema_admission  pass  wasm 92624572\n";
+  ASSERT_EQ(tree.build(), (Outcome{modules + wrote + "rebuild the project to approve the new artifacts\n", "", 0}));
+  // The same sources and toolchain give exactly the committed bytes: the committed artifacts and
+  // constants are current, and the build is deterministic.
+  for (const auto& file : kBuiltFiles) EXPECT_EQ(fileText(tree.root / file), fileText(kRoot / file)) << file;
+
+  const auto writtenAt = fs::last_write_time(tree.root / "artifacts/evidence.json");
+  EXPECT_EQ(tree.build(), (Outcome{modules + "artifacts and build constants unchanged\n", "", 0}));
+  EXPECT_EQ(fs::last_write_time(tree.root / "artifacts/evidence.json"), writtenAt);
+}
+
+TEST(RavoOrxPolicy, BuildWritesNothingWhenACheckFails) {
+  const BuildTree tree;
+  replaceIn(tree.root / "policies/player_authz.wat", "(global $policyVersion i32 (i32.const 3))",
+            "(global $policyVersion i32 (i32.const 4))");
+  replaceIn(tree.root / "policies/cinema_admission.manifest.json", "\"orxAbi\": \"0.10\"", "\"orxAbi\": \"0.9\"");
+  const auto outcome = tree.build();
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_TRUE(outcome.err.starts_with("player_authz: controller main-screen command is allowed: expected "
+                                      "[5201, 1, 6, 0, 3], emitted [5201, 1, 6, 0, 4]\n"))
+      << outcome.err;
+  EXPECT_TRUE(outcome.err.ends_with("cinema_admission: the runtime admits orxAbi 0.10 and hostAbi 0.11\n"
+                                    "ravo-orx policy build: the package check failed; nothing was written\n"))
+      << outcome.err;
+  EXPECT_FALSE(fs::exists(tree.root / "artifacts"));
+  EXPECT_FALSE(fs::exists(tree.root / "runtime/OrxBuildConstants.cpp"));
+
+  const Scratch elsewhere("ravo-orx-elsewhere-");
+  expectOutcomes({{{"policy", "build"}, "",
+                   refused("ravo-orx policy build runs from the repository root (no runtime/OrxBuildConstants.h "
+                           "and tools/package_check/ here)")},
+                  {{"policy", "build", "extra"}, "", misused("policy build", "unexpected argument \"extra\"")}},
+                 elsewhere.path);
+}
+
+}  // namespace

@@ -1,0 +1,100 @@
+#pragma once
+// Test support: runs the built ravo-orx as its users do, with standard input, output and error
+// redirected to files, and compares exactly what it wrote and the status it exited with.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+extern char** environ;
+
+namespace orx_cli_test {
+
+namespace fs = std::filesystem;
+using Words = std::vector<std::string>;
+
+inline const fs::path kRoot = ORX_REPOSITORY_ROOT;
+inline const std::string kData = (kRoot / "tools/cli/tests/data").string() + "/";
+
+struct Outcome {
+  std::string out;
+  std::string err;
+  int status = -1;
+
+  friend bool operator==(const Outcome&, const Outcome&) = default;
+  friend std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
+    return stream << "status " << outcome.status << ", stdout \"" << outcome.out << "\", stderr \"" << outcome.err
+                  << "\"";
+  }
+};
+
+// A directory of this test process under the temporary directory, removed with the value.
+struct Scratch {
+  explicit Scratch(const std::string& name) : path(fs::temp_directory_path() / (name + std::to_string(::getpid()))) {
+    fs::create_directories(path);
+  }
+  ~Scratch() { fs::remove_all(path); }
+  fs::path path;
+};
+
+inline std::string fileText(const fs::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// Runs the built tool as its users do, with standard input, output and error redirected to files.
+// Standard output goes to `output` when one is named, and is then not read back.
+inline Outcome run(Words arguments, const std::string& input, const fs::path& workingDirectory = kRoot,
+                   const fs::path& output = {}) {
+  const Scratch scratch("ravo-orx-run-");
+  const auto in = scratch.path / "in", err = scratch.path / "err";
+  const auto out = output.empty() ? scratch.path / "out" : output;
+  std::ofstream(in, std::ios::binary) << input;
+  arguments.insert(arguments.begin(), ORX_CLI_TOOL);
+  std::vector<char*> argv;
+  for (auto& word : arguments) argv.push_back(word.data());
+  argv.push_back(nullptr);
+
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  posix_spawn_file_actions_addchdir_np(&actions, workingDirectory.c_str());
+  pid_t child = 0;
+  const int spawned = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  int status = 0;
+  if (spawned != 0 || ::waitpid(child, &status, 0) != child) return {};
+  return {output.empty() ? fileText(out) : "", fileText(err),
+          WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
+}
+
+struct Case {
+  Words arguments;
+  std::string input;
+  Outcome expected;
+};
+
+inline Outcome printed(const std::string& out) { return {out + "\n", "", 0}; }
+inline Outcome refused(const std::string& err) { return {"", err + "\n", 1}; }
+inline Outcome misused(const std::string& command, const std::string& message) {
+  return {"", "ravo-orx " + command + ": " + message + " (see 'ravo-orx " + command + " --help')\n", 2};
+}
+
+inline void expectOutcomes(const std::vector<Case>& cases, const fs::path& workingDirectory = kRoot) {
+  for (const auto& [arguments, input, expected] : cases) {
+    std::string command;
+    for (const auto& word : arguments) command += " " + word;
+    EXPECT_EQ(run(arguments, input, workingDirectory), expected) << "ravo-orx" << command;
+  }
+}
+
+}  // namespace orx_cli_test

@@ -1,0 +1,81 @@
+#include "tools/package_check/OrxArtifactBuild.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include "core/ORXSHA256.h"
+#include "runtime/OrxArtifactFiles.h"
+#include "tools/package_check/OrxPackageCheck.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kModules[] = {"player_authz", "sync_correction", "cinema_admission"};
+
+std::string text(const std::vector<std::uint8_t>& bytes) { return {bytes.begin(), bytes.end()}; }
+
+std::optional<std::string> existingBytes(const fs::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  if (!stream) return std::nullopt;
+  return std::string(std::istreambuf_iterator<char>(stream), {});
+}
+
+}  // namespace
+
+OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, const OrxWatAssembler& assembler,
+                                   const OrxToolchainIdentity& toolchain) {
+  OrxArtifactBuild build;
+  std::vector<OrxBuiltFile> files;
+  Json records = Json::array();
+  for (const std::string module : kModules) {
+    try {
+      const auto source = readArtifactFile(paths.policies / (module + ".wat"));
+      const auto manifest = readArtifactFile(paths.policies / (module + ".manifest.json"));
+      const auto wasm = assembler.assemble(paths.policies / (module + ".wat"));
+      auto check = checkPolicyPackage(module, source, manifest, wasm, toolchain.compilerIdentity);
+      for (const auto& failure : check.failures) build.failures.push_back(module + ": " + failure);
+      build.modules.push_back({module, ORXSHA256::hex(wasm), ORXSHA256::hex(source), ORXSHA256::hex(manifest)});
+      records.push_back(std::move(check.evidence));
+      files.push_back({paths.artifacts / (module + ".wasm"), text(wasm)});
+      files.push_back({paths.artifacts / (module + ".package-check.json"), std::move(check.report)});
+    } catch (const std::exception& error) {
+      build.failures.push_back(module + ": " + error.what());
+    }
+  }
+  if (!build.failures.empty()) return build;
+
+  const Json evidence = {{"generatedBy", "tools/build_orx.sh"},
+                         {"profile", "mock-output-v011"},
+                         {"compilerIdentity", toolchain.compilerIdentity},
+                         {"toolchainBundleSha256", toolchain.toolchainBundleSha256},
+                         {"modules", records}};
+  files.push_back({paths.artifacts / "evidence.json", evidence.dump(2) + "\n"});
+  files.push_back({paths.constantsSource, orxBuildConstantsSource(toolchain, build.modules)});
+  build.files = std::move(files);
+  return build;
+}
+
+std::vector<fs::path> writeChangedFiles(const std::vector<OrxBuiltFile>& files) {
+  std::vector<fs::path> written;
+  for (const auto& [path, bytes] : files) {
+    if (existingBytes(path) == bytes) continue;
+    const fs::path temporary = path.string() + ".partial";
+    std::error_code error;
+    fs::create_directories(path.parent_path().empty() ? "." : path.parent_path(), error);
+    std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
+    stream << bytes;
+    stream.close();
+    if (!stream || (fs::rename(temporary, path, error), error)) {
+      const std::string reason = error ? error.message() : std::strerror(errno);
+      fs::remove(temporary, error);
+      throw std::runtime_error("could not write " + path.string() + ": " + reason);
+    }
+    written.push_back(path);
+  }
+  return written;
+}

@@ -1,0 +1,26 @@
+#pragma once
+// Runs a manifest's cases against a module the way the runtime would decide them: each case must make
+// the module emit exactly the case's five values, and the runtime's decision path must accept that
+// record as the decision it stands for.
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "tools/package_check/OrxPolicyKind.h"
+#include "tools/package_check/OrxPolicyManifest.h"
+
+struct OrxPolicyCaseResult {
+  const OrxPolicyCase* policyCase;
+  std::string problem;                // empty when the case passed: "expected [..], emitted [..]"
+  std::optional<std::int32_t> reason;  // the reason code the module emitted, if it emitted a record
+};
+
+// "[5201, 1, 6, 0, 3]"
+std::string orxFormatValues(std::span<const std::int32_t> values);
+
+// Throws RuntimeError with the module host's text when the module does not load.
+std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest,
+                                                const OrxPolicyKind& kind);
