@@ -1,0 +1,128 @@
+#pragma once
+// Writing canonical text pieces to any byte output: a std::string, a byte vector, or a running hash.
+// An output is anything with push_back(char) and append(const char*, std::size_t); the serializer of
+// values and the canonicalizer of documents both write through here, so they escape alike.
+
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include "core/ORXCanonicalValue.h"
+
+namespace ORXCanonicalTextOutput {
+
+namespace detail {
+
+// True when some byte of the eight needs an escape: below 0x20, a double quote or a backslash.
+inline bool anyByteNeedsEscape(std::uint64_t word) {
+  constexpr std::uint64_t ones = 0x0101010101010101u;
+  constexpr std::uint64_t highs = 0x8080808080808080u;
+  const auto hasZeroByte = [](std::uint64_t x) { return (x - ones) & ~x & highs; };
+  const std::uint64_t control = (word - ones * 0x20) & ~word & highs;
+  return (control | hasZeroByte(word ^ (ones * '"')) | hasZeroByte(word ^ (ones * '\\'))) != 0;
+}
+
+inline bool needsEscape(unsigned char byte) { return byte < 0x20 || byte == '"' || byte == '\\'; }
+
+}  // namespace detail
+
+// A string in double quotes with the minimal escapes; every other byte is written as it stands (the
+// text is well-formed UTF-8, so bytes of 0x80 and above are whole scalars written raw).
+template <class Output>
+void appendEscaped(Output& out, std::string_view text) {
+  static constexpr char kHex[] = "0123456789abcdef";
+  out.push_back('"');
+  const char* data = text.data();
+  const std::size_t size = text.size();
+  std::size_t runStart = 0;
+  std::size_t i = 0;
+  while (i < size) {
+    std::uint64_t word;
+    if (size - i >= 8 && (std::memcpy(&word, data + i, 8), !detail::anyByteNeedsEscape(word))) {
+      i += 8;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(data[i]);
+    if (!detail::needsEscape(byte)) {
+      ++i;
+      continue;
+    }
+    out.append(data + runStart, i - runStart);
+    runStart = ++i;
+    char escape[6] = {'\\', 0, '0', '0', kHex[byte >> 4], kHex[byte & 0x0f]};
+    std::size_t length = 2;
+    switch (byte) {
+      case '"': escape[1] = '"'; break;
+      case '\\': escape[1] = '\\'; break;
+      case '\b': escape[1] = 'b'; break;
+      case '\t': escape[1] = 't'; break;
+      case '\n': escape[1] = 'n'; break;
+      case '\f': escape[1] = 'f'; break;
+      case '\r': escape[1] = 'r'; break;
+      default: escape[1] = 'u'; length = 6;
+    }
+    out.append(escape, length);
+  }
+  out.append(data + runStart, size - runStart);
+  out.push_back('"');
+}
+
+template <class Output>
+void appendInteger(Output& out, std::int64_t value) {
+  char digits[24];
+  const auto result = std::to_chars(digits, digits + sizeof digits, value);
+  out.append(digits, static_cast<std::size_t>(result.ptr - digits));
+}
+
+template <class Output>
+void appendBoolean(Output& out, bool value) {
+  if (value) {
+    out.append("true", 4);
+  } else {
+    out.append("false", 5);
+  }
+}
+
+// The canonical text of a value: no whitespace, members in stored order. Recursion is bounded by the
+// depth every value is built within.
+template <class Output>
+void appendValue(Output& out, const ORXCanonicalValue& value) {
+  switch (value.kind()) {
+    case ORXCanonicalValue::Kind::string:
+      appendEscaped(out, *value.asString());
+      return;
+    case ORXCanonicalValue::Kind::boolean:
+      appendBoolean(out, *value.asBoolean());
+      return;
+    case ORXCanonicalValue::Kind::integer:
+      appendInteger(out, *value.asInteger());
+      return;
+    case ORXCanonicalValue::Kind::array: {
+      out.push_back('[');
+      bool first = true;
+      for (const auto& element : *value.asArray()) {
+        if (!first) out.push_back(',');
+        first = false;
+        appendValue(out, element);
+      }
+      out.push_back(']');
+      return;
+    }
+    case ORXCanonicalValue::Kind::object: {
+      out.push_back('{');
+      bool first = true;
+      for (const auto& [key, member] : value.asObject()->fields()) {
+        if (!first) out.push_back(',');
+        first = false;
+        appendEscaped(out, key);
+        out.push_back(':');
+        appendValue(out, member);
+      }
+      out.push_back('}');
+      return;
+    }
+  }
+}
+
+}  // namespace ORXCanonicalTextOutput
