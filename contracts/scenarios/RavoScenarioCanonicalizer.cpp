@@ -1,21 +1,195 @@
+// The graph's JSON text is written straight from the records: keys in sorted order by hand, lists in
+// their stored order, strings with the minimal escapes (those of the canonical core, which are also the
+// general JSON writer's: \b \t \n \f \r \" \\ and \u00xx for other controls, everything else raw).
+// No JSON document is built on the way.
+
 #include "contracts/scenarios/RavoScenarioCanonicalizer.h"
 
-#include <stdexcept>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <string_view>
 
 #include "contracts/scenarios/RavoScenarioEncodingError.h"
+#include "core/ORXCanonicalTextOutput.h"
 #include "core/ORXSHA256.h"
+#include "core/ORXValidation.h"
+
+namespace {
+
+[[noreturn]] void refuse(const std::string& reason) {
+  throw RavoScenarioEncodingError("scenario graph cannot be encoded: " + reason);
+}
+
+// A number as the platform encoder of the system's origin writes it: the shortest digits that read
+// back as the same double; an integral value below 10^15 in magnitude without a fraction ("1", "0",
+// "-3"); other values from 10^-4 up to 10^15 in plain decimal ("0.25", "0.0001"); smaller and larger
+// magnitudes in exponent form with a sign and at least two exponent digits ("1e-05", "1.5e+20").
+void appendNumber(std::string& out, double value) {
+  if (!std::isfinite(value)) refuse("non-finite action number");
+  if (std::signbit(value)) out.push_back('-');
+  value = std::fabs(value);
+  if (value == 0) {
+    out.push_back('0');
+    return;
+  }
+  // Shortest round-trip digits in scientific form, "d.ddde±x": take the digits and the exponent apart.
+  char scientific[32];
+  const auto written = std::to_chars(scientific, scientific + sizeof scientific, value, std::chars_format::scientific);
+  const std::string_view text(scientific, static_cast<std::size_t>(written.ptr - scientific));
+  const std::size_t exponentAt = text.find('e');
+  std::string digits(1, text[0]);
+  if (exponentAt > 1) digits.append(text.substr(2, exponentAt - 2));
+  std::string_view exponentText = text.substr(exponentAt + 1);
+  if (exponentText.front() == '+') exponentText.remove_prefix(1);
+  int exponent = 0;
+  std::from_chars(exponentText.data(), exponentText.data() + exponentText.size(), exponent);
+  const int pointAt = exponent + 1;  // digits before the decimal point
+  const int count = static_cast<int>(digits.size());
+  if (count <= pointAt && pointAt <= 15) {
+    out += digits;
+    out.append(static_cast<std::size_t>(pointAt - count), '0');
+  } else if (0 < pointAt && pointAt <= 15) {
+    out.append(digits, 0, static_cast<std::size_t>(pointAt));
+    out.push_back('.');
+    out.append(digits, static_cast<std::size_t>(pointAt));
+  } else if (-4 < pointAt && pointAt <= 0) {
+    out += "0.";
+    out.append(static_cast<std::size_t>(-pointAt), '0');
+    out += digits;
+  } else {
+    out.push_back(digits[0]);
+    if (count > 1) {
+      out.push_back('.');
+      out.append(digits, 1);
+    }
+    out.push_back('e');
+    out.push_back(exponent < 0 ? '-' : '+');
+    if (std::abs(exponent) < 10) out.push_back('0');
+    out += std::to_string(std::abs(exponent));
+  }
+}
+
+class GraphTextWriter {
+ public:
+  explicit GraphTextWriter(std::string& out) : out_(out) {}
+
+  void graph(const RavoScenarioGraph& graph) {
+    out_ += "{\"edges\":";
+    list(graph.edges(), [this](const RavoScenarioEdge& edge) { this->edge(edge); });
+    out_ += ",\"nodes\":";
+    list(graph.nodes(), [this](const RavoScenarioNodeInstance& node) { this->node(node); });
+    out_ += ",\"requestedCapabilities\":";
+    list(graph.requestedCapabilities(), [this](const RavoScenarioCapability& capability) { text(capability.id()); });
+    out_ += "}";
+  }
+
+ private:
+  template <class Items, class WriteItem>
+  void list(const Items& items, WriteItem writeItem) {
+    out_.push_back('[');
+    bool first = true;
+    for (const auto& item : items) {
+      if (!first) out_.push_back(',');
+      first = false;
+      writeItem(item);
+    }
+    out_.push_back(']');
+  }
+
+  void edge(const RavoScenarioEdge& edge) {
+    out_ += "{\"fromNodeID\":";
+    uuid(edge.fromNodeID());
+    out_ += ",\"inputKey\":";
+    text(edge.inputKey());
+    out_ += ",\"outputKey\":";
+    text(edge.outputKey());
+    out_ += ",\"toNodeID\":";
+    uuid(edge.toNodeID());
+    out_.push_back('}');
+  }
+
+  void node(const RavoScenarioNodeInstance& node) {
+    out_.push_back('{');
+    if (node.actionBinding()) {
+      out_ += "\"actionBinding\":{\"arguments\":{";
+      bool first = true;
+      for (const auto& [name, value] : node.actionBinding()->arguments()) {  // a std::map: in byte order
+        if (!first) out_.push_back(',');
+        first = false;
+        text(name);
+        out_.push_back(':');
+        argument(value);
+      }
+      out_ += "}},";
+    }
+    out_ += "\"id\":";
+    uuid(node.id());
+    out_ += ",\"nodeType\":";
+    text(node.nodeType().rawValue());
+    out_ += ",\"nodeVersion\":";
+    text(node.nodeVersion());
+    out_ += ",\"stableTargetIDs\":";
+    list(node.stableTargetIDs(), [this](const std::string& target) { text(target); });
+    out_.push_back('}');
+  }
+
+  // {"kind":…} with the payload key named like the kind, the two keys in sorted order.
+  void argument(const RavoActionValue& value) {
+    if (const std::string* string = value.stringValue()) {
+      out_ += "{\"kind\":\"string\",\"string\":";
+      text(*string);
+    } else if (const bool* boolean = value.booleanValue()) {
+      out_ += *boolean ? "{\"boolean\":true" : "{\"boolean\":false";
+      out_ += ",\"kind\":\"boolean\"";
+    } else if (const std::int64_t* integer = value.integerValue()) {
+      out_ += "{\"integer\":";
+      ORXCanonicalTextOutput::appendInteger(out_, *integer);
+      out_ += ",\"kind\":\"integer\"";
+    } else {
+      out_ += "{\"kind\":\"number\",\"number\":";
+      appendNumber(out_, *value.numberValue());
+    }
+    out_.push_back('}');
+  }
+
+  void text(std::string_view text) {
+    if (!ORXValidation::isValidUTF8(text)) {
+      // The general JSON writer names the offending byte; its own words are the clearest report.
+      try {
+        static_cast<void>(nlohmann::json(std::string(text)).dump());
+      } catch (const nlohmann::json::exception& error) {
+        refuse(error.what());
+      }
+      refuse("text is not valid UTF-8");
+    }
+    ORXCanonicalTextOutput::appendEscaped(out_, text);
+  }
+
+  // The 36-character uppercase form, written without an intermediate string.
+  void uuid(const RavoUUID& id) {
+    static constexpr char kHex[] = "0123456789ABCDEF";
+    char chars[38] = {'"'};
+    std::size_t at = 1;
+    for (std::size_t i = 0; i < id.bytes().size(); ++i) {
+      if (i == 4 || i == 6 || i == 8 || i == 10) chars[at++] = '-';
+      chars[at++] = kHex[id.bytes()[i] >> 4];
+      chars[at++] = kHex[id.bytes()[i] & 0x0f];
+    }
+    chars[at++] = '"';
+    out_.append(chars, at);
+  }
+
+  std::string& out_;
+};
+
+}  // namespace
 
 std::string RavoScenarioCanonicalizer::encodedGraph(const RavoScenarioGraph& graph) {
-  try {
-    // nlohmann::json keeps object members in a std::map: converting the ordered form sorts every
-    // object's keys by their UTF-8 bytes, which is code point order. dump() is compact, writes UTF-8
-    // as is and never escapes "/"; it throws on text that is not valid UTF-8.
-    return nlohmann::json(graph.toJSON()).dump();
-  } catch (const std::invalid_argument& error) {  // a non-finite argument number
-    throw RavoScenarioEncodingError(std::string("scenario graph cannot be encoded: ") + error.what());
-  } catch (const nlohmann::json::exception& error) {
-    throw RavoScenarioEncodingError(std::string("scenario graph cannot be encoded: ") + error.what());
-  }
+  std::string out;
+  out.reserve(160 * graph.edges().size() + 200 * graph.nodes().size() + 64);
+  GraphTextWriter(out).graph(graph);
+  return out;
 }
 
 std::string RavoScenarioCanonicalizer::digest(const RavoScenarioGraph& graph) {
