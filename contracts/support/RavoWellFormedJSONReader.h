@@ -4,7 +4,8 @@
 // one signed, anything with a fraction or exponent a double), but takes only what it reads without
 // doubt: at the first byte it does not take (malformed text, an integer past 64 bits, a number beyond
 // a double's range, trailing bytes) it gives up and returns false, and the caller reads the text again
-// with nlohmann's parser, whose messages are the reader's errors. Its cost per byte is a fraction of
+// with nlohmann's parser, whose messages are the reader's errors. A handler may also give up, by
+// returning false from any event. Its cost per byte is a fraction of
 // nlohmann's lexer, which copies every byte it reads into a token buffer for its messages.
 
 #include <charconv>
@@ -75,7 +76,7 @@ class RavoWellFormedJSONReader {
 
   bool readObject() {
     ++position_;
-    handler_.start_object(static_cast<std::size_t>(-1));
+    if (!handler_.start_object(static_cast<std::size_t>(-1))) return false;
     skipWhitespace();
     if (!atEnd() && peek() == '}') {
       ++position_;
@@ -84,8 +85,7 @@ class RavoWellFormedJSONReader {
     while (true) {
       std::string key;
       skipWhitespace();
-      if (atEnd() || peek() != '"' || !readString(key) || !consume(':')) return false;
-      handler_.key(key);
+      if (atEnd() || peek() != '"' || !readString(key) || !consume(':') || !handler_.key(key)) return false;
       skipWhitespace();
       if (!readValue()) return false;
       skipWhitespace();
@@ -99,7 +99,7 @@ class RavoWellFormedJSONReader {
 
   bool readArray() {
     ++position_;
-    handler_.start_array(static_cast<std::size_t>(-1));
+    if (!handler_.start_array(static_cast<std::size_t>(-1))) return false;
     skipWhitespace();
     if (!atEnd() && peek() == ']') {
       ++position_;

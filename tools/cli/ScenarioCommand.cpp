@@ -22,7 +22,7 @@ void validate(OrxCliArguments& arguments) {
 }
 
 void digest(OrxCliArguments& arguments) {
-  orxCliPrint(RavoScenarioCanonicalizer::digest(decode<RavoScenarioGraph>(orxCliReadDocument(arguments))));
+  orxCliPrint(RavoScenarioCanonicalizer::digest(RavoScenarioGraph::fromJSONText(orxCliReadDocument(arguments))));
 }
 
 void diff(OrxCliArguments& arguments) {
