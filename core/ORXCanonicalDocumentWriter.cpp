@@ -15,9 +15,9 @@
 namespace {
 
 // The key of a member written as canonical text at `start` (its opening quote), decoded back to its
-// bytes. Canonical escapes are the short ones and \u00XX.
-std::string decodedKey(std::string_view text, std::size_t start) {
-  std::string key;
+// bytes into `key`. Canonical escapes are the short ones and \u00XX.
+void decodeKey(std::string_view text, std::size_t start, std::string& key) {
+  key.clear();
   for (std::size_t i = start + 1; text[i] != '"'; ++i) {
     if (text[i] != '\\') {
       key.push_back(text[i]);
@@ -37,7 +37,6 @@ std::string decodedKey(std::string_view text, std::size_t start) {
       default: key.push_back(text[i]);  // a quote or a backslash
     }
   }
-  return key;
 }
 
 class CanonicalTextWriter {
@@ -108,10 +107,12 @@ class CanonicalTextWriter {
   void putMembersInOrder(std::size_t firstMember) {
     const std::size_t count = memberStarts_.size() - firstMember;
     const std::size_t* starts = memberStarts_.data() + firstMember;
-    std::vector<std::string> keys;
-    keys.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) keys.push_back(decodedKey(out_, starts[i]));
-    std::vector<std::size_t> order(count);
+    // Scratch space is kept from object to object; only its contents are per object.
+    std::vector<std::string>& keys = keys_;
+    if (keys.size() < count) keys.resize(count);
+    for (std::size_t i = 0; i < count; ++i) decodeKey(out_, starts[i], keys[i]);
+    std::vector<std::size_t>& order = order_;
+    order.resize(count);
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
     std::size_t firstRepeat = count;
@@ -123,7 +124,8 @@ class CanonicalTextWriter {
     }
     // Member i spans from its key to the comma before member i + 1 (or the end of the object so far).
     const std::size_t objectStart = starts[0];
-    const std::string members = out_.substr(objectStart);
+    std::string& members = members_;
+    members.assign(out_, objectStart);
     const auto memberText = [&](std::size_t i) {
       const std::size_t end = i + 1 < count ? starts[i + 1] - 1 - objectStart : members.size();
       return std::string_view(members).substr(starts[i] - objectStart, end - (starts[i] - objectStart));
@@ -138,6 +140,9 @@ class CanonicalTextWriter {
   std::string& out_;
   std::vector<OpenContainer> open_;
   std::vector<std::size_t> memberStarts_;
+  std::vector<std::string> keys_;
+  std::vector<std::size_t> order_;
+  std::string members_;
 };
 
 }  // namespace

@@ -3,18 +3,11 @@
 #include "core/ORXCanonicalTextOutput.h"
 #include "core/ORXCanonicalValue.h"
 
-namespace {
-
-// Appends to a byte vector, so canonicalData() needs no intermediate string.
-struct ByteVectorOutput {
-  std::vector<std::uint8_t>& bytes;
-  void push_back(char c) { bytes.push_back(static_cast<std::uint8_t>(c)); }
-  void append(const char* data, std::size_t size) { bytes.insert(bytes.end(), data, data + size); }
-};
-
-}  // namespace
-
-void ORXCanonicalValue::appendCanonicalString(std::string& out) const { ORXCanonicalTextOutput::appendValue(out, *this); }
+void ORXCanonicalValue::appendCanonicalString(std::string& out) const {
+  ORXCanonicalTextOutput::Buffered buffered([&out](const char* data, std::size_t size) { out.append(data, size); });
+  ORXCanonicalTextOutput::appendValue(buffered, *this);
+  buffered.finish();
+}
 
 std::string ORXCanonicalValue::canonicalString() const {
   std::string out;
@@ -24,7 +17,9 @@ std::string ORXCanonicalValue::canonicalString() const {
 
 std::vector<std::uint8_t> ORXCanonicalValue::canonicalData() const {
   std::vector<std::uint8_t> bytes;
-  ByteVectorOutput out{bytes};
-  ORXCanonicalTextOutput::appendValue(out, *this);
+  ORXCanonicalTextOutput::Buffered buffered(
+      [&bytes](const char* data, std::size_t size) { bytes.insert(bytes.end(), data, data + size); });
+  ORXCanonicalTextOutput::appendValue(buffered, *this);
+  buffered.finish();
   return bytes;
 }

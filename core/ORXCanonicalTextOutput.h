@@ -1,16 +1,50 @@
 #pragma once
 // Writing canonical text pieces to any byte output: a std::string, a byte vector, or a running hash.
 // An output is anything with push_back(char) and append(const char*, std::size_t); the serializer of
-// values and the canonicalizer of documents both write through here, so they escape alike.
+// values and the canonicalizer of documents both write through here, so they escape alike. Buffered
+// puts a small buffer in front of any destination, so a byte written costs a store rather than a call.
 
 #include <charconv>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "core/ORXCanonicalValue.h"
 
 namespace ORXCanonicalTextOutput {
+
+// Gathers bytes and hands them to `flush(const char*, std::size_t)` in chunks; finish() hands on the
+// rest. Large pieces go straight through.
+template <class Flush>
+class Buffered {
+ public:
+  explicit Buffered(Flush flush) : flush_(std::move(flush)) {}
+  Buffered(const Buffered&) = delete;
+  Buffered& operator=(const Buffered&) = delete;
+
+  void push_back(char c) {
+    if (used_ == sizeof buffer_) finish();
+    buffer_[used_++] = c;
+  }
+  void append(const char* data, std::size_t size) {
+    if (size > sizeof buffer_ - used_) {
+      finish();
+      if (size >= sizeof buffer_) return flush_(data, size);
+    }
+    std::memcpy(buffer_ + used_, data, size);
+    used_ += size;
+  }
+  void finish() {
+    if (used_ > 0) flush_(buffer_, used_);
+    used_ = 0;
+  }
+
+ private:
+  Flush flush_;
+  char buffer_[1024];
+  std::size_t used_ = 0;
+};
 
 namespace detail {
 
@@ -28,7 +62,8 @@ inline bool needsEscape(unsigned char byte) { return byte < 0x20 || byte == '"' 
 }  // namespace detail
 
 // A string in double quotes with the minimal escapes; every other byte is written as it stands (the
-// text is well-formed UTF-8, so bytes of 0x80 and above are whole scalars written raw).
+// text is well-formed UTF-8, so bytes of 0x80 and above are whole scalars written raw). Eight bytes are
+// tested at a time; only a group holding a byte to escape is looked at byte by byte.
 template <class Output>
 void appendEscaped(Output& out, std::string_view text) {
   static constexpr char kHex[] = "0123456789abcdef";
@@ -38,31 +73,31 @@ void appendEscaped(Output& out, std::string_view text) {
   std::size_t runStart = 0;
   std::size_t i = 0;
   while (i < size) {
-    std::uint64_t word;
-    if (size - i >= 8 && (std::memcpy(&word, data + i, 8), !detail::anyByteNeedsEscape(word))) {
+    std::uint64_t word = 0x6161616161616161u;  // a short tail is padded with letters, which need no escape
+    std::memcpy(&word, data + i, size - i < 8 ? size - i : 8);
+    if (!detail::anyByteNeedsEscape(word)) {
       i += 8;
       continue;
     }
-    const auto byte = static_cast<unsigned char>(data[i]);
-    if (!detail::needsEscape(byte)) {
-      ++i;
-      continue;
+    for (const std::size_t groupEnd = size - i < 8 ? size : i + 8; i < groupEnd; ++i) {
+      const auto byte = static_cast<unsigned char>(data[i]);
+      if (!detail::needsEscape(byte)) continue;
+      out.append(data + runStart, i - runStart);
+      runStart = i + 1;
+      char escape[6] = {'\\', 0, '0', '0', kHex[byte >> 4], kHex[byte & 0x0f]};
+      std::size_t length = 2;
+      switch (byte) {
+        case '"': escape[1] = '"'; break;
+        case '\\': escape[1] = '\\'; break;
+        case '\b': escape[1] = 'b'; break;
+        case '\t': escape[1] = 't'; break;
+        case '\n': escape[1] = 'n'; break;
+        case '\f': escape[1] = 'f'; break;
+        case '\r': escape[1] = 'r'; break;
+        default: escape[1] = 'u'; length = 6;
+      }
+      out.append(escape, length);
     }
-    out.append(data + runStart, i - runStart);
-    runStart = ++i;
-    char escape[6] = {'\\', 0, '0', '0', kHex[byte >> 4], kHex[byte & 0x0f]};
-    std::size_t length = 2;
-    switch (byte) {
-      case '"': escape[1] = '"'; break;
-      case '\\': escape[1] = '\\'; break;
-      case '\b': escape[1] = 'b'; break;
-      case '\t': escape[1] = 't'; break;
-      case '\n': escape[1] = 'n'; break;
-      case '\f': escape[1] = 'f'; break;
-      case '\r': escape[1] = 'r'; break;
-      default: escape[1] = 'u'; length = 6;
-    }
-    out.append(escape, length);
   }
   out.append(data + runStart, size - runStart);
   out.push_back('"');
