@@ -70,18 +70,20 @@ void appendNumber(std::string& out, double value) {
   }
 }
 
+// Writes to any byte output with push_back(char) and append(const char*, std::size_t).
+template <class Output>
 class GraphTextWriter {
  public:
-  explicit GraphTextWriter(std::string& out) : out_(out) {}
+  explicit GraphTextWriter(Output& out) : out_(out) {}
 
   void graph(const RavoScenarioGraph& graph) {
-    out_ += "{\"edges\":";
+    put("{\"edges\":");
     list(graph.edges(), [this](const RavoScenarioEdge& edge) { this->edge(edge); });
-    out_ += ",\"nodes\":";
+    put(",\"nodes\":");
     list(graph.nodes(), [this](const RavoScenarioNodeInstance& node) { this->node(node); });
-    out_ += ",\"requestedCapabilities\":";
+    put(",\"requestedCapabilities\":");
     list(graph.requestedCapabilities(), [this](const RavoScenarioCapability& capability) { text(capability.id()); });
-    out_ += "}";
+    put("}");
   }
 
  private:
@@ -98,13 +100,13 @@ class GraphTextWriter {
   }
 
   void edge(const RavoScenarioEdge& edge) {
-    out_ += "{\"fromNodeID\":";
+    put("{\"fromNodeID\":");
     uuid(edge.fromNodeID());
-    out_ += ",\"inputKey\":";
+    put(",\"inputKey\":");
     text(edge.inputKey());
-    out_ += ",\"outputKey\":";
+    put(",\"outputKey\":");
     text(edge.outputKey());
-    out_ += ",\"toNodeID\":";
+    put(",\"toNodeID\":");
     uuid(edge.toNodeID());
     out_.push_back('}');
   }
@@ -112,7 +114,7 @@ class GraphTextWriter {
   void node(const RavoScenarioNodeInstance& node) {
     out_.push_back('{');
     if (node.actionBinding()) {
-      out_ += "\"actionBinding\":{\"arguments\":{";
+      put("\"actionBinding\":{\"arguments\":{");
       bool first = true;
       for (const auto& [name, value] : node.actionBinding()->arguments()) {  // a std::map: in byte order
         if (!first) out_.push_back(',');
@@ -121,15 +123,15 @@ class GraphTextWriter {
         out_.push_back(':');
         argument(value);
       }
-      out_ += "}},";
+      put("}},");
     }
-    out_ += "\"id\":";
+    put("\"id\":");
     uuid(node.id());
-    out_ += ",\"nodeType\":";
+    put(",\"nodeType\":");
     text(node.nodeType().rawValue());
-    out_ += ",\"nodeVersion\":";
+    put(",\"nodeVersion\":");
     text(node.nodeVersion());
-    out_ += ",\"stableTargetIDs\":";
+    put(",\"stableTargetIDs\":");
     list(node.stableTargetIDs(), [this](const std::string& target) { text(target); });
     out_.push_back('}');
   }
@@ -137,18 +139,20 @@ class GraphTextWriter {
   // {"kind":…} with the payload key named like the kind, the two keys in sorted order.
   void argument(const RavoActionValue& value) {
     if (const std::string* string = value.stringValue()) {
-      out_ += "{\"kind\":\"string\",\"string\":";
+      put("{\"kind\":\"string\",\"string\":");
       text(*string);
     } else if (const bool* boolean = value.booleanValue()) {
-      out_ += *boolean ? "{\"boolean\":true" : "{\"boolean\":false";
-      out_ += ",\"kind\":\"boolean\"";
+      put(*boolean ? "{\"boolean\":true" : "{\"boolean\":false");
+      put(",\"kind\":\"boolean\"");
     } else if (const std::int64_t* integer = value.integerValue()) {
-      out_ += "{\"integer\":";
+      put("{\"integer\":");
       ORXCanonicalTextOutput::appendInteger(out_, *integer);
-      out_ += ",\"kind\":\"integer\"";
+      put(",\"kind\":\"integer\"");
     } else {
-      out_ += "{\"kind\":\"number\",\"number\":";
-      appendNumber(out_, *value.numberValue());
+      put("{\"kind\":\"number\",\"number\":");
+      std::string number;
+      appendNumber(number, *value.numberValue());
+      put(number);
     }
     out_.push_back('}');
   }
@@ -180,18 +184,26 @@ class GraphTextWriter {
     out_.append(chars, at);
   }
 
-  std::string& out_;
+  void put(std::string_view text) { out_.append(text.data(), text.size()); }
+
+  Output& out_;
 };
 
 }  // namespace
 
 std::string RavoScenarioCanonicalizer::encodedGraph(const RavoScenarioGraph& graph) {
-  std::string out;
-  out.reserve(160 * graph.edges().size() + 200 * graph.nodes().size() + 64);
+  std::string text;
+  ORXCanonicalTextOutput::Buffered out([&text](const char* data, std::size_t size) { text.append(data, size); });
   GraphTextWriter(out).graph(graph);
-  return out;
+  out.finish();
+  return text;
 }
 
+// The text reaches the hash in chunks; a large graph's text is never held whole.
 std::string RavoScenarioCanonicalizer::digest(const RavoScenarioGraph& graph) {
-  return ORXSHA256::hex(encodedGraph(graph));
+  ORXSHA256 hash;
+  ORXCanonicalTextOutput::Buffered out([&hash](const char* data, std::size_t size) { hash.update(std::string_view(data, size)); });
+  GraphTextWriter(out).graph(graph);
+  out.finish();
+  return ORXSHA256::toHex(hash.finalize());
 }
