@@ -11,6 +11,7 @@
 #include "core/ORXCanonicalJSON.h"
 #include "core/ORXCanonicalJSONReader.h"
 #include "core/ORXCanonicalTextOutput.h"
+#include "core/ORXJSONStringDecoding.h"
 
 namespace {
 
@@ -30,8 +31,7 @@ void decodeKey(std::string_view text, std::size_t start, std::string& key) {
       case 'f': key.push_back('\f'); break;
       case 'r': key.push_back('\r'); break;
       case 'u':
-        key.push_back(static_cast<char>(ORXCanonicalJSONReading::hexDigitValue(text[i + 3]) << 4 |
-                                        ORXCanonicalJSONReading::hexDigitValue(text[i + 4])));
+        key.push_back(static_cast<char>(ORXJSONStringDecoding::hexQuadValue(text.data() + i + 1)));
         i += 4;
         break;
       default: key.push_back(text[i]);  // a quote or a backslash

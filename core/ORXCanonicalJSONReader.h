@@ -16,36 +16,12 @@
 
 #include "core/ORXCanonicalJSON.h"
 #include "core/ORXError.h"
+#include "core/ORXJSONStringDecoding.h"
 #include "core/ORXValidation.h"
 
 namespace ORXCanonicalJSONReading {
 
 [[noreturn]] inline void fail(const char* message) { throw ORXError::parse(message); }
-
-inline int hexDigitValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
-inline void appendUTF8(std::string& out, std::uint32_t scalar) {
-  if (scalar < 0x80) {
-    out.push_back(static_cast<char>(scalar));
-  } else if (scalar < 0x800) {
-    out.push_back(static_cast<char>(0xC0 | scalar >> 6));
-    out.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
-  } else if (scalar < 0x10000) {
-    out.push_back(static_cast<char>(0xE0 | scalar >> 12));
-    out.push_back(static_cast<char>(0x80 | (scalar >> 6 & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
-  } else {
-    out.push_back(static_cast<char>(0xF0 | scalar >> 18));
-    out.push_back(static_cast<char>(0x80 | (scalar >> 12 & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | (scalar >> 6 & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
-  }
-}
 
 template <class Sink>
 class Reader {
@@ -202,7 +178,7 @@ class Reader {
       case 'n': bytes_.push_back('\n'); break;
       case 'r': bytes_.push_back('\r'); break;
       case 't': bytes_.push_back('\t'); break;
-      case 'u': appendUTF8(bytes_, readUnicodeEscape()); break;
+      case 'u': ORXJSONStringDecoding::appendUTF8(bytes_, readUnicodeEscape()); break;
       default: fail("invalid string escape");
     }
   }
@@ -221,14 +197,10 @@ class Reader {
 
   std::uint32_t readHexQuad() {
     if (input_.size() - position_ < 4) fail("incomplete unicode escape");
-    std::uint32_t value = 0;
-    for (int i = 0; i < 4; ++i) {
-      const int digit = hexDigitValue(input_[position_ + i]);
-      if (digit < 0) fail("invalid unicode escape");
-      value = value << 4 | static_cast<std::uint32_t>(digit);
-    }
+    const std::int32_t value = ORXJSONStringDecoding::hexQuadValue(input_.data() + position_);
+    if (value < 0) fail("invalid unicode escape");
     position_ += 4;
-    return value;
+    return static_cast<std::uint32_t>(value);
   }
 
   std::int64_t readInteger() {

@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "contracts/support/RavoJSON.h"
+#include "core/ORXJSONStringDecoding.h"
 #include "core/ORXValidation.h"
 
 template <class Handler>
@@ -160,45 +161,16 @@ class RavoWellFormedJSONReader {
       if (!consumeLiteral("\\u") || !readHexQuad(low) || low < 0xDC00 || low > 0xDFFF) return false;
       scalar = 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
     }
-    appendUTF8(out, scalar);
+    ORXJSONStringDecoding::appendUTF8(out, scalar);
     return true;
   }
 
   bool readHexQuad(std::uint32_t& value) {
     if (text_.size() - position_ < 4) return false;
-    for (int i = 0; i < 4; ++i) {
-      const char c = text_[position_++];
-      int digit;
-      if (c >= '0' && c <= '9') {
-        digit = c - '0';
-      } else if (c >= 'a' && c <= 'f') {
-        digit = c - 'a' + 10;
-      } else if (c >= 'A' && c <= 'F') {
-        digit = c - 'A' + 10;
-      } else {
-        return false;
-      }
-      value = value << 4 | static_cast<std::uint32_t>(digit);
-    }
-    return true;
-  }
-
-  static void appendUTF8(std::string& out, std::uint32_t scalar) {
-    if (scalar < 0x80) {
-      out.push_back(static_cast<char>(scalar));
-    } else if (scalar < 0x800) {
-      out.push_back(static_cast<char>(0xC0 | scalar >> 6));
-      out.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
-    } else if (scalar < 0x10000) {
-      out.push_back(static_cast<char>(0xE0 | scalar >> 12));
-      out.push_back(static_cast<char>(0x80 | (scalar >> 6 & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
-    } else {
-      out.push_back(static_cast<char>(0xF0 | scalar >> 18));
-      out.push_back(static_cast<char>(0x80 | (scalar >> 12 & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (scalar >> 6 & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
-    }
+    const std::int32_t quad = ORXJSONStringDecoding::hexQuadValue(text_.data() + position_);
+    position_ += 4;
+    value = static_cast<std::uint32_t>(quad);
+    return quad >= 0;
   }
 
   // -?(0|[1-9][0-9]*)(.[0-9]+)?([eE][+-]?[0-9]+)?

@@ -12,22 +12,11 @@
 #include <string_view>
 
 #include "contracts/scenarios/RavoScenarioGraph.h"
+#include "contracts/scenarios/tests/RavoScenarioDecodingOutcome.h"
 
 namespace {
 
-struct Outcome {
-  std::optional<RavoScenarioGraph> graph;
-  std::string error;
-};
-
-template <class Decode>
-Outcome outcomeOf(Decode decode) {
-  try {
-    return {decode(), ""};
-  } catch (const std::exception& error) {
-    return {std::nullopt, error.what()};
-  }
-}
+using Outcome = RavoScenarioDecodingOutcome<RavoScenarioGraph>;
 
 }  // namespace
 
@@ -50,8 +39,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // one opening bracket per level long.
   if (comparable && !read && oracle && size <= ravoJSONMaximumDepth) std::abort();
 
-  const Outcome expected = outcomeOf([&] { return RavoScenarioGraph::fromJSON(parseRavoJSON(text)); });
-  const Outcome direct = outcomeOf([&] { return RavoScenarioGraph::fromJSONText(text); });
-  if (direct.error != expected.error || direct.graph != expected.graph) std::abort();
+  const Outcome expected = Outcome::of([&] { return RavoScenarioGraph::fromJSON(parseRavoJSON(text)); });
+  const Outcome direct = Outcome::of([&] { return RavoScenarioGraph::fromJSONText(text); });
+  if (direct.error != expected.error || direct.record != expected.record) std::abort();
   return 0;
 }

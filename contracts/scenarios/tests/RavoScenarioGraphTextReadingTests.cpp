@@ -4,22 +4,11 @@
 #include <string>
 
 #include "contracts/scenarios/RavoScenarioGraph.h"
+#include "contracts/scenarios/tests/RavoScenarioDecodingOutcome.h"
 
 namespace {
 
-struct Outcome {
-  std::optional<RavoScenarioGraph> graph;
-  std::string error;
-};
-
-template <class Decode>
-Outcome outcomeOf(Decode decode) {
-  try {
-    return {decode(), ""};
-  } catch (const std::exception& error) {
-    return {std::nullopt, error.what()};
-  }
-}
+using Outcome = RavoScenarioDecodingOutcome<RavoScenarioGraph>;
 
 // fromJSON over parseRavoJSON is the oracle: reading the text directly must give its graph or its error.
 TEST(RavoScenarioGraphTextReading, GivesTheGraphOrTheErrorOfTheDocumentPath) {
@@ -60,10 +49,10 @@ TEST(RavoScenarioGraphTextReading, GivesTheGraphOrTheErrorOfTheDocumentPath) {
       graph(std::string(600, '[') + std::string(600, ']'), "[]", "[]"),
   };
   for (const auto& text : texts) {
-    const Outcome expected = outcomeOf([&] { return RavoScenarioGraph::fromJSON(parseRavoJSON(text)); });
-    const Outcome read = outcomeOf([&] { return RavoScenarioGraph::fromJSONText(text); });
+    const Outcome expected = Outcome::of([&] { return RavoScenarioGraph::fromJSON(parseRavoJSON(text)); });
+    const Outcome read = Outcome::of([&] { return RavoScenarioGraph::fromJSONText(text); });
     EXPECT_EQ(read.error, expected.error) << text;
-    EXPECT_EQ(read.graph, expected.graph) << text;
+    EXPECT_EQ(read.record, expected.record) << text;
   }
 }
 
