@@ -16,10 +16,18 @@ class ValueBuilder {
   void integer(std::int64_t value) { place(ORXCanonicalValue::integer(value)); }
   void boolean(bool value) { place(ORXCanonicalValue::boolean(value)); }
   void beginArray() { open_.push_back({}); }
-  void endArray() { place(ORXCanonicalValue::array(std::move(closeInnermost().elements))); }
+  void endArray() {
+    ORXCanonicalValue::Array elements = std::move(open_.back().elements);
+    open_.pop_back();
+    place(ORXCanonicalValue::array(std::move(elements)));
+  }
   void beginObject() { open_.push_back(OpenContainer{.isObject = true, .elements = {}, .fields = {}, .key = {}}); }
   void key(std::string_view bytes) { open_.back().key.assign(bytes); }
-  void endObject() { place(ORXCanonicalValue::object(std::move(closeInnermost().fields))); }
+  void endObject() {
+    ORXCanonicalObject::Fields fields = std::move(open_.back().fields);
+    open_.pop_back();
+    place(ORXCanonicalValue::object(std::move(fields)));
+  }
 
   ORXCanonicalValue take() { return std::move(*root_); }
 
@@ -30,12 +38,6 @@ class ValueBuilder {
     ORXCanonicalObject::Fields fields;
     std::string key;
   };
-
-  OpenContainer closeInnermost() {
-    OpenContainer closed = std::move(open_.back());
-    open_.pop_back();
-    return closed;
-  }
 
   void place(ORXCanonicalValue value) {
     if (open_.empty()) {

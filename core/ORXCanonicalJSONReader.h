@@ -141,27 +141,27 @@ class Reader {
   }
 
   // Bytes are gathered as they stand into one reused buffer and decoded as UTF-8 once, at the closing
-  // quote. The view stays valid until the next string is read.
+  // quote; a string without escapes is not copied at all. The view stays valid until the next string
+  // is read.
   std::string_view readString() {
     expect('"');
     bytes_.clear();
+    bool escaped = false;
     while (!atEnd()) {
-      // Copy the run of bytes that need no attention in one append.
-      std::size_t runEnd = position_;
-      while (runEnd < input_.size()) {
-        const auto byte = static_cast<unsigned char>(input_[runEnd]);
-        if (byte == '"' || byte == '\\' || byte < 0x20) break;
-        ++runEnd;
-      }
-      bytes_.append(input_, position_, runEnd - position_);
-      position_ = runEnd;
+      const std::size_t runStart = position_;
+      position_ = ORXJSONStringDecoding::plainRunEnd(input_.data(), input_.size(), position_);
       if (atEnd()) break;
       const char byte = input_[position_++];
       if (byte == '"') {
-        if (!ORXValidation::isValidUTF8(bytes_)) fail("invalid UTF-8 string");
-        return bytes_;
+        const std::string_view text =
+            escaped ? std::string_view(bytes_.append(input_, runStart, position_ - 1 - runStart))
+                    : input_.substr(runStart, position_ - 1 - runStart);
+        if (!ORXValidation::isValidUTF8(text)) fail("invalid UTF-8 string");
+        return text;
       }
       if (byte != '\\') fail("unescaped control character");
+      escaped = true;
+      bytes_.append(input_, runStart, position_ - 1 - runStart);
       readEscape();
     }
     fail("unterminated string");

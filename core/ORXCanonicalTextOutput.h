@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "core/ORXCanonicalValue.h"
+#include "core/ORXJSONStringDecoding.h"
 
 namespace ORXCanonicalTextOutput {
 
@@ -46,20 +47,6 @@ class Buffered {
   std::size_t used_ = 0;
 };
 
-namespace detail {
-
-// True when some byte of the eight needs an escape: below 0x20, a double quote or a backslash.
-inline bool anyByteNeedsEscape(std::uint64_t word) {
-  constexpr std::uint64_t ones = 0x0101010101010101u;
-  constexpr std::uint64_t highs = 0x8080808080808080u;
-  const auto hasZeroByte = [](std::uint64_t x) { return (x - ones) & ~x & highs; };
-  const std::uint64_t control = (word - ones * 0x20) & ~word & highs;
-  return (control | hasZeroByte(word ^ (ones * '"')) | hasZeroByte(word ^ (ones * '\\'))) != 0;
-}
-
-inline bool needsEscape(unsigned char byte) { return byte < 0x20 || byte == '"' || byte == '\\'; }
-
-}  // namespace detail
 
 // A string in double quotes with the minimal escapes; every other byte is written as it stands (the
 // text is well-formed UTF-8, so bytes of 0x80 and above are whole scalars written raw). Eight bytes are
@@ -75,13 +62,13 @@ void appendEscaped(Output& out, std::string_view text) {
   while (i < size) {
     std::uint64_t word = 0x6161616161616161u;  // a short tail is padded with letters, which need no escape
     std::memcpy(&word, data + i, size - i < 8 ? size - i : 8);
-    if (!detail::anyByteNeedsEscape(word)) {
+    if (!ORXJSONStringDecoding::anySpecial(word)) {
       i += 8;
       continue;
     }
     for (const std::size_t groupEnd = size - i < 8 ? size : i + 8; i < groupEnd; ++i) {
       const auto byte = static_cast<unsigned char>(data[i]);
-      if (!detail::needsEscape(byte)) continue;
+      if (!ORXJSONStringDecoding::isSpecial(byte)) continue;
       out.append(data + runStart, i - runStart);
       runStart = i + 1;
       char escape[6] = {'\\', 0, '0', '0', kHex[byte >> 4], kHex[byte & 0x0f]};

@@ -85,12 +85,6 @@ const ORXCanonicalObject* ORXCanonicalValue::asObject() const {
   return node ? &node->object : nullptr;
 }
 
-int ORXCanonicalValue::nestingDepth() const {
-  if (const ArrayNode* node = std::get_if<ArrayNode>(&storage_)) return node->depth;
-  if (const ObjectNode* node = std::get_if<ObjectNode>(&storage_)) return node->depth;
-  return 0;
-}
-
 std::optional<bool> ORXCanonicalValue::asBoolean() const {
   if (const bool* value = std::get_if<bool>(&storage_)) return *value;
   return std::nullopt;

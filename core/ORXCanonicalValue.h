@@ -69,7 +69,11 @@ class ORXCanonicalValue {
   const Array* asArray() const;
   const ORXCanonicalObject* asObject() const;
   // Levels of arrays and objects: 0 for a scalar, 1 for an array of scalars or an empty object.
-  int nestingDepth() const;
+  int nestingDepth() const {
+    if (const ArrayNode* node = std::get_if<ArrayNode>(&storage_)) return node->depth;
+    if (const ObjectNode* node = std::get_if<ObjectNode>(&storage_)) return node->depth;
+    return 0;
+  }
 
   // The canonical text: no whitespace, keys in stored order, minimal escapes, raw UTF-8 otherwise.
   std::string canonicalString() const;

@@ -1,11 +1,33 @@
 #pragma once
-// Pieces of JSON string decoding shared by the readers of JSON text: the canonical parser and the
-// application's quick reader.
+// Pieces of JSON string handling shared by the readers of JSON text (the canonical parser and the
+// application's quick reader) and the canonical writer.
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace ORXJSONStringDecoding {
+
+// A byte a JSON string cannot hold as it stands: a control below 0x20, the quote or the backslash.
+inline bool isSpecial(unsigned char byte) { return byte < 0x20 || byte == '"' || byte == '\\'; }
+
+// True when one of eight bytes (in any order) is special.
+inline bool anySpecial(std::uint64_t word) {
+  constexpr std::uint64_t ones = 0x0101010101010101u;
+  constexpr std::uint64_t highs = 0x8080808080808080u;
+  const auto hasZeroByte = [](std::uint64_t x) { return (x - ones) & ~x & highs; };
+  const std::uint64_t control = (word - ones * 0x20) & ~word & highs;
+  return (control | hasZeroByte(word ^ (ones * '"')) | hasZeroByte(word ^ (ones * '\\'))) != 0;
+}
+
+// Where the run of plain bytes starting at `position` ends: at the first special byte or the end.
+inline std::size_t plainRunEnd(const char* data, std::size_t size, std::size_t position) {
+  std::uint64_t word;
+  while (size - position >= 8 && (std::memcpy(&word, data + position, 8), !anySpecial(word))) position += 8;
+  while (position < size && !isSpecial(static_cast<unsigned char>(data[position]))) ++position;
+  return position;
+}
 
 // The value of a hexadecimal digit (either case), or -1.
 inline int hexDigitValue(char c) {

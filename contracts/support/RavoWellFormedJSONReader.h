@@ -121,12 +121,7 @@ class RavoWellFormedJSONReader {
   bool readString(std::string& out) {
     ++position_;
     while (true) {
-      std::size_t runEnd = position_;
-      while (runEnd < text_.size()) {
-        const auto byte = static_cast<unsigned char>(text_[runEnd]);
-        if (byte == '"' || byte == '\\' || byte < 0x20) break;
-        ++runEnd;
-      }
+      const std::size_t runEnd = ORXJSONStringDecoding::plainRunEnd(text_.data(), text_.size(), position_);
       out.append(text_, position_, runEnd - position_);
       position_ = runEnd;
       if (atEnd()) return false;
