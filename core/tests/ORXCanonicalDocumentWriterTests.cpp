@@ -58,6 +58,7 @@ TEST(ORXCanonicalJSONCanonicalize, RefusesAsTheParserDoes) {
       {"[1.5]", parse + "floating JSON numbers are not canonical ORX values"},
       {"{} x", parse + "trailing bytes after JSON value"},
       {std::string(513, '['), parse + "JSON nesting is deeper than 512 levels"},
+      {std::string(1000000, '['), parse + "JSON nesting is deeper than 512 levels"},
   };
   for (const auto& c : cases) {
     EXPECT_TRUE(orxThrows([&] { ORXCanonicalJSON::canonicalize(c.text); }, c.error)) << c.text;
