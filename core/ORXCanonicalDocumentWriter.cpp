@@ -2,6 +2,11 @@
 // scalars go straight to the output; an object's members are written as they come and only reordered,
 // in place, when the object closes with its keys out of order. What stays in memory besides the input
 // and the output is one offset per member of each open object.
+//
+// Reordering moves an object's text once per enclosing object that is reordered too, so nested objects
+// whose keys all arrive out of order could move a large member hundreds of times. Past a budget of
+// moved bytes proportional to the input, the document is canonicalized through its value instead,
+// which costs more memory but only one pass.
 
 #include <algorithm>
 #include <numeric>
@@ -14,6 +19,9 @@
 #include "core/ORXJSONStringDecoding.h"
 
 namespace {
+
+// Thrown when reordering has moved more than its budget; canonicalize starts again through the value.
+struct ReorderingBudgetSpent {};
 
 // The key of a member written as canonical text at `start` (its opening quote), decoded back to its
 // bytes into `key`. Canonical escapes are the short ones and \u00XX.
@@ -41,7 +49,7 @@ void decodeKey(std::string_view text, std::size_t start, std::string& key) {
 
 class CanonicalTextWriter {
  public:
-  explicit CanonicalTextWriter(std::string& out) : out_(out) {}
+  CanonicalTextWriter(std::string& out, std::size_t reorderingBudget) : out_(out), reorderingBudget_(reorderingBudget) {}
 
   void string(std::string_view bytes) {
     separate();
@@ -107,6 +115,9 @@ class CanonicalTextWriter {
   void putMembersInOrder(std::size_t firstMember) {
     const std::size_t count = memberStarts_.size() - firstMember;
     const std::size_t* starts = memberStarts_.data() + firstMember;
+    const std::size_t objectSize = out_.size() - starts[0];
+    if (objectSize > reorderingBudget_) throw ReorderingBudgetSpent{};
+    reorderingBudget_ -= objectSize;
     // Scratch space is kept from object to object; only its contents are per object.
     std::vector<std::string>& keys = keys_;
     if (keys.size() < count) keys.resize(count);
@@ -138,6 +149,7 @@ class CanonicalTextWriter {
   }
 
   std::string& out_;
+  std::size_t reorderingBudget_;
   std::vector<OpenContainer> open_;
   std::vector<std::size_t> memberStarts_;
   std::vector<std::string> keys_;
@@ -148,9 +160,14 @@ class CanonicalTextWriter {
 }  // namespace
 
 std::string ORXCanonicalJSON::canonicalize(std::string_view text) {
-  std::string out;
-  out.reserve(text.size());  // canonical text is never longer than any text of the same value
-  CanonicalTextWriter writer(out);
-  ORXCanonicalJSONReading::Reader(text, writer).readDocument();
-  return out;
+  constexpr std::size_t kReorderingBudgetPerInputByte = 8;
+  try {
+    std::string out;
+    out.reserve(text.size());  // canonical text is never longer than any text of the same value
+    CanonicalTextWriter writer(out, kReorderingBudgetPerInputByte * text.size() + 65536);
+    ORXCanonicalJSONReading::Reader(text, writer).readDocument();
+    return out;
+  } catch (const ReorderingBudgetSpent&) {
+    return parse(text).canonicalString();
+  }
 }

@@ -38,6 +38,21 @@ TEST(ORXCanonicalJSONCanonicalize, WritesTheCanonicalTextOfAnyValidDocument) {
   EXPECT_TRUE(canonical.ends_with(",\"k1099\":99}")) << canonical;
 }
 
+TEST(ORXCanonicalJSONCanonicalize, NestedObjectsOutOfOrderAroundALargeMember) {
+  // Every level closes out of order and moves the large member again, until the budget of moved bytes
+  // sends the document through its value; the text is the same either way.
+  const std::string large(1 << 20, 'x');
+  std::string text = "\"" + large + "\"";
+  std::string canonical = text;
+  for (int level = 0; level < 512; ++level) {
+    text = "{\"b\":" + text + ",\"a\":" + std::to_string(level) + "}";
+    canonical = "{\"a\":" + std::to_string(level) + ",\"b\":" + canonical + "}";
+  }
+  EXPECT_EQ(ORXCanonicalJSON::canonicalize(text), canonical);
+  EXPECT_TRUE(orxThrows([&] { ORXCanonicalJSON::canonicalize(text + "{\"a\":1,\"a\":2}"); },
+                        "orx.v051.parse_invalid: trailing bytes after JSON value"));
+}
+
 TEST(ORXCanonicalJSONCanonicalize, RefusesAsTheParserDoes) {
   struct Case {
     std::string text;
