@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "core/ORXCanonicalValue.h"
@@ -13,10 +14,16 @@
 namespace ORXCanonicalJSON {
 
 // Arrays and objects nest at most this deep. The parser recurses once per level, so the limit keeps
-// hostile input from exhausting the stack; no record of the host contract comes near it.
-inline constexpr int kMaxNestingDepth = 512;
+// hostile input from exhausting the stack; no record of the host contract comes near it. Values built
+// in code are held to the same depth.
+inline constexpr int kMaxNestingDepth = ORXCanonicalValue::kMaxNestingDepth;
 
 ORXCanonicalValue parse(std::string_view text);
 ORXCanonicalValue parse(std::span<const std::uint8_t> bytes);
+
+// The canonical text of the document: the bytes parse(text).canonicalString() gives, refused with the
+// same errors, but written straight from the text without building the value. Objects whose keys
+// arrive out of order are put in order when they close; the output is never longer than the text.
+std::string canonicalize(std::string_view text);
 
 }  // namespace ORXCanonicalJSON

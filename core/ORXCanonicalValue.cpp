@@ -14,6 +14,17 @@ ORXError keyRepeated(std::string_view key) {
 
 ORXError notUTF8() { return ORXError::invalid("orx.v051.value_invalid", "canonical string must be valid UTF-8"); }
 
+// One level above the deepest member; refused past the depth the parser reads.
+template <class Members, class ValueOf>
+int containerDepth(const Members& members, ValueOf valueOf) {
+  int deepest = 0;
+  for (const auto& member : members) deepest = std::max(deepest, valueOf(member).nestingDepth());
+  if (deepest >= ORXCanonicalValue::kMaxNestingDepth) {
+    throw ORXError::invalid("orx.v051.value_invalid", "canonical value nests deeper than 512 levels");
+  }
+  return deepest + 1;
+}
+
 bool keyBefore(const ORXCanonicalObject::Field& a, const ORXCanonicalObject::Field& b) {
   return ORXValidation::compareUnicodeCodePoints(a.first, b.first);
 }
@@ -50,8 +61,28 @@ ORXCanonicalValue ORXCanonicalValue::string(std::string text) {
   return ORXCanonicalValue(Storage(std::in_place_type<std::string>, std::move(text)));
 }
 
+ORXCanonicalValue ORXCanonicalValue::array(Array elements) {
+  const int depth = containerDepth(elements, [](const ORXCanonicalValue& element) -> const auto& { return element; });
+  return ORXCanonicalValue(Storage(std::in_place_type<ArrayNode>, ArrayNode{std::move(elements), depth}));
+}
+
+ORXCanonicalValue ORXCanonicalValue::object(ORXCanonicalObject object) {
+  const int depth = containerDepth(object.fields(), [](const auto& field) -> const auto& { return field.second; });
+  return ORXCanonicalValue(Storage(std::in_place_type<ObjectNode>, ObjectNode{std::move(object), depth}));
+}
+
 ORXCanonicalValue ORXCanonicalValue::object(ORXCanonicalObject::Fields fields) {
   return object(ORXCanonicalObject(std::move(fields)));
+}
+
+const ORXCanonicalValue::Array* ORXCanonicalValue::asArray() const {
+  const ArrayNode* node = std::get_if<ArrayNode>(&storage_);
+  return node ? &node->elements : nullptr;
+}
+
+const ORXCanonicalObject* ORXCanonicalValue::asObject() const {
+  const ObjectNode* node = std::get_if<ObjectNode>(&storage_);
+  return node ? &node->object : nullptr;
 }
 
 std::optional<bool> ORXCanonicalValue::asBoolean() const {

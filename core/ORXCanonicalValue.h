@@ -3,6 +3,10 @@
 // or hashed. Strings (UTF-8), booleans, signed 64-bit integers, arrays, and objects whose keys are
 // unique and sorted by code point. No null and no floating-point numbers.
 //
+// A value nests at most kMaxNestingDepth arrays and objects, as the parser allows: building a deeper
+// one throws, so every value serializes to text that parses back, and copying, comparing, writing and
+// destroying one never recurse past that depth.
+//
 // ORXCanonicalObject and ORXCanonicalValue are defined together because each contains the other.
 
 #include <cstdint>
@@ -44,18 +48,18 @@ class ORXCanonicalValue {
   enum class Kind { string, boolean, integer, array, object };
   using Array = std::vector<ORXCanonicalValue>;
 
+  static constexpr int kMaxNestingDepth = 512;
+
   // Throws ORXError::invalid ("orx.v051.value_invalid") when the text is not well-formed UTF-8.
   static ORXCanonicalValue string(std::string text);
   static ORXCanonicalValue boolean(bool value) { return ORXCanonicalValue(Storage(std::in_place_type<bool>, value)); }
   static ORXCanonicalValue integer(std::int64_t value) {
     return ORXCanonicalValue(Storage(std::in_place_type<std::int64_t>, value));
   }
-  static ORXCanonicalValue array(Array elements) {
-    return ORXCanonicalValue(Storage(std::in_place_type<Array>, std::move(elements)));
-  }
-  static ORXCanonicalValue object(ORXCanonicalObject object) {
-    return ORXCanonicalValue(Storage(std::in_place_type<ORXCanonicalObject>, std::move(object)));
-  }
+  // Both throw ORXError::invalid ("orx.v051.value_invalid") when the result would nest deeper than
+  // kMaxNestingDepth.
+  static ORXCanonicalValue array(Array elements);
+  static ORXCanonicalValue object(ORXCanonicalObject object);
   // Builds the object through ORXCanonicalObject, so key order never depends on the caller's order.
   static ORXCanonicalValue object(ORXCanonicalObject::Fields fields);
 
@@ -64,8 +68,14 @@ class ORXCanonicalValue {
   const std::string* asString() const { return std::get_if<std::string>(&storage_); }
   std::optional<bool> asBoolean() const;
   std::optional<std::int64_t> asInteger() const;
-  const Array* asArray() const { return std::get_if<Array>(&storage_); }
-  const ORXCanonicalObject* asObject() const { return std::get_if<ORXCanonicalObject>(&storage_); }
+  const Array* asArray() const;
+  const ORXCanonicalObject* asObject() const;
+  // Levels of arrays and objects: 0 for a scalar, 1 for an array of scalars or an empty object.
+  int nestingDepth() const {
+    if (const ArrayNode* node = std::get_if<ArrayNode>(&storage_)) return node->depth;
+    if (const ObjectNode* node = std::get_if<ObjectNode>(&storage_)) return node->depth;
+    return 0;
+  }
 
   // The canonical text: no whitespace, keys in stored order, minimal escapes, raw UTF-8 otherwise.
   std::string canonicalString() const;
@@ -77,7 +87,19 @@ class ORXCanonicalValue {
   friend bool operator==(const ORXCanonicalValue&, const ORXCanonicalValue&) = default;
 
  private:
-  using Storage = std::variant<std::string, bool, std::int64_t, Array, ORXCanonicalObject>;
+  // Containers carry their depth, computed once when built, in room the string alternative leaves.
+  struct ArrayNode {
+    Array elements;
+    int depth;
+    friend bool operator==(const ArrayNode& a, const ArrayNode& b) { return a.elements == b.elements; }
+  };
+  struct ObjectNode {
+    ORXCanonicalObject object;
+    int depth;
+    friend bool operator==(const ObjectNode& a, const ObjectNode& b) { return a.object == b.object; }
+  };
+  // Alternatives in the order of Kind, so the index is the kind.
+  using Storage = std::variant<std::string, bool, std::int64_t, ArrayNode, ObjectNode>;
 
   explicit ORXCanonicalValue(Storage storage) : storage_(std::move(storage)) {}
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/ORXCanonicalTextOutput.h"
 #include "core/ORXError.h"
 #include "core/ORXSHA256.h"
 
@@ -10,6 +11,7 @@ namespace {
 constexpr std::string_view kPrefix = "sha256:";
 
 std::string prefixed(const ORXSHA256::Digest& hash) { return std::string(kPrefix) + ORXSHA256::toHex(hash); }
+
 
 }  // namespace
 
@@ -27,10 +29,14 @@ ORXDigest ORXDigest::raw(std::span<const std::uint8_t> data) { return ORXDigest(
 ORXDigest ORXDigest::raw(std::string_view data) { return ORXDigest(Verified{}, prefixed(ORXSHA256::hash(data))); }
 
 ORXDigest ORXDigest::domain(std::string_view tag, const ORXCanonicalValue& value) {
-  std::string bytes(tag);
-  bytes.push_back('\0');
-  value.appendCanonicalString(bytes);
-  return raw(bytes);
+  // The canonical text reaches the hash in chunks: a record is hashed without its text ever held whole.
+  ORXSHA256 hash;
+  ORXCanonicalTextOutput::Buffered out([&hash](const char* data, std::size_t size) { hash.update(std::string_view(data, size)); });
+  out.append(tag.data(), tag.size());
+  out.push_back('\0');
+  ORXCanonicalTextOutput::appendValue(out, value);
+  out.finish();
+  return ORXDigest(Verified{}, prefixed(hash.finalize()));
 }
 
 ORXDigest ORXDigest::domain(ORXDigestDomain domain, const ORXCanonicalValue& value) {

@@ -5,6 +5,7 @@
 // raw value; stable, nothing removed), so graphs built from the same parts in any order are equal and
 // have the same digest. Repeated nodes or capabilities are kept for validation to report.
 
+#include <string_view>
 #include <vector>
 
 #include "contracts/scenarios/RavoScenarioCapability.h"
@@ -24,6 +25,9 @@ class RavoScenarioGraph {
   RavoJSON toJSON() const;
   // Keeps the lists in the order written.
   static RavoScenarioGraph fromJSON(const RavoJSON& json);
+  // fromJSON(parseRavoJSON(text)), the same graph or the same error, with the edges read straight from
+  // the text rather than through a document.
+  static RavoScenarioGraph fromJSONText(std::string_view text);
 
   friend bool operator==(const RavoScenarioGraph&, const RavoScenarioGraph&) = default;
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "contracts/support/RavoJSON.h"
+#include "contracts/support/RavoWellFormedJSONReader.h"
 
 namespace {
 
@@ -128,6 +129,13 @@ class DocumentBuilder {
 }  // namespace
 
 RavoJSON parseRavoJSON(std::string_view text) {
+  // Well-formed text goes through the quick reader; anything it does not take, including a nesting
+  // refusal, is read again by nlohmann's parser, so every error keeps nlohmann's exact text.
+  try {
+    DocumentBuilder quick;
+    if (RavoWellFormedJSONReader(text, quick).read()) return quick.take();
+  } catch (const RavoJSONDecodingError&) {
+  }
   DocumentBuilder builder;
   RavoJSON::sax_parse(text, &builder);
   // nlohmann's lexer takes a raw NUL outside a string for the end of the input, so a value followed

@@ -1,24 +1,37 @@
-// Feeds arbitrary bytes to the canonical JSON parser. Any input may be refused, but only with ORXError;
-// whatever is accepted must serialize to canonical text that parses back to the same value and
-// re-serializes to the same bytes.
+// Feeds arbitrary bytes to the canonical JSON parser and to the canonicalizer. Any input may be
+// refused, but only with ORXError, and both must refuse it with the same text; whatever is accepted
+// must canonicalize to the text the parsed value serializes to, which parses back to the same value
+// and re-serializes to the same bytes.
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "core/ORXCanonicalJSON.h"
 #include "core/ORXError.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  ORXCanonicalValue value = ORXCanonicalValue::boolean(false);
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  std::optional<std::string> canonicalized;
+  std::string canonicalizeError;
   try {
-    value = ORXCanonicalJSON::parse(std::span(data, size));
-  } catch (const ORXError&) {
+    canonicalized = ORXCanonicalJSON::canonicalize(text);
+  } catch (const ORXError& error) {
+    canonicalizeError = error.description();
+  }
+  std::optional<ORXCanonicalValue> value;
+  try {
+    value = ORXCanonicalJSON::parse(text);
+  } catch (const ORXError& error) {
+    if (canonicalized || error.description() != canonicalizeError) std::abort();
     return 0;
   }
-  const std::string canonical = value.canonicalString();
+  const std::string canonical = value->canonicalString();
+  if (canonicalized != canonical) std::abort();
   const ORXCanonicalValue reparsed = ORXCanonicalJSON::parse(canonical);
-  if (!(reparsed == value) || reparsed.canonicalString() != canonical) std::abort();
+  if (!(reparsed == *value) || reparsed.canonicalString() != canonical) std::abort();
   return 0;
 }

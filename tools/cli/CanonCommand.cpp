@@ -6,7 +6,7 @@ namespace {
 
 int runCanon(OrxCliArguments& arguments) {
   const std::string input = orxCliReadDocument(arguments);
-  orxCliPrint(ORXCanonicalJSON::parse(std::string_view(input)).canonicalString());
+  orxCliPrint(ORXCanonicalJSON::canonicalize(input));
   return 0;
 }
 

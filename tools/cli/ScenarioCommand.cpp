@@ -46,7 +46,7 @@ int validate(OrxCliArguments& arguments) {
 }
 
 void digest(OrxCliArguments& arguments) {
-  orxCliPrint(RavoScenarioCanonicalizer::digest(decode<RavoScenarioGraph>(orxCliReadDocument(arguments))));
+  orxCliPrint(RavoScenarioCanonicalizer::digest(RavoScenarioGraph::fromJSONText(orxCliReadDocument(arguments))));
 }
 
 void diff(OrxCliArguments& arguments) {

@@ -1,0 +1,234 @@
+#pragma once
+// The grammar of strict canonical JSON, shared by the parser that builds values and the canonicalizer
+// that writes canonical text straight from the document. The reader walks the bytes with an integer
+// position and reports what it reads to a sink:
+//
+//   string(std::string_view bytes), integer(std::int64_t), boolean(bool),
+//   beginArray(), endArray(), beginObject(), key(std::string_view bytes), endObject()
+//
+// Every refusal is an ORXError::parse thrown where it is detected, so both users fail alike and at the
+// same byte; a sink may throw too (a repeated key, at the object's end).
+
+#include <charconv>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/ORXCanonicalJSON.h"
+#include "core/ORXError.h"
+#include "core/ORXJSONStringDecoding.h"
+#include "core/ORXValidation.h"
+
+namespace ORXCanonicalJSONReading {
+
+[[noreturn]] inline void fail(const char* message) { throw ORXError::parse(message); }
+
+template <class Sink>
+class Reader {
+ public:
+  Reader(std::string_view input, Sink& sink) : input_(input), sink_(sink) {}
+
+  void readDocument() {
+    readValue();
+    skipWhitespace();
+    if (!atEnd()) fail("trailing bytes after JSON value");
+  }
+
+ private:
+  static constexpr std::uint64_t kWhitespaceMask = 1ull << ' ' | 1ull << '\t' | 1ull << '\n' | 1ull << '\r';
+
+  bool atEnd() const { return position_ >= input_.size(); }
+  char peek() const { return input_[position_]; }
+
+  void skipWhitespace() {
+    while (!atEnd()) {
+      const auto byte = static_cast<unsigned char>(peek());
+      if (byte > ' ' || !(kWhitespaceMask >> byte & 1)) return;
+      ++position_;
+    }
+  }
+
+  // Punctuation: whitespace may precede it.
+  void expect(char byte) {
+    skipWhitespace();
+    matchExactly(byte);
+  }
+
+  // Letters of literals and the second escape of a surrogate pair: nothing may precede them.
+  void matchExactly(char byte) {
+    if (atEnd() || peek() != byte) fail("unexpected JSON byte");
+    ++position_;
+  }
+
+  void readValue() {
+    skipWhitespace();
+    if (atEnd()) fail("unexpected end of JSON");
+    switch (peek()) {
+      case '"':
+        sink_.string(readString());
+        return;
+      case '-':
+      case '0': case '1': case '2': case '3': case '4':
+      case '5': case '6': case '7': case '8': case '9':
+        sink_.integer(readInteger());
+        return;
+      case '[':
+        return readArray();
+      case '{':
+        return readObject();
+      case 't':
+        for (char c : std::string_view("true")) matchExactly(c);
+        return sink_.boolean(true);
+      case 'f':
+        for (char c : std::string_view("false")) matchExactly(c);
+        return sink_.boolean(false);
+      default:
+        fail("unsupported JSON value");
+    }
+  }
+
+  void enterContainer() {
+    if (++depth_ > ORXCanonicalJSON::kMaxNestingDepth) fail("JSON nesting is deeper than 512 levels");
+  }
+
+  void readArray() {
+    expect('[');
+    enterContainer();
+    sink_.beginArray();
+    skipWhitespace();
+    if (!atEnd() && peek() == ']') {
+      ++position_;
+    } else {
+      while (true) {
+        readValue();
+        skipWhitespace();
+        if (!atEnd() && peek() == ']') {
+          ++position_;
+          break;
+        }
+        if (atEnd() || peek() != ',') fail("unexpected JSON byte");
+        ++position_;
+      }
+    }
+    --depth_;
+    sink_.endArray();
+  }
+
+  void readObject() {
+    expect('{');
+    enterContainer();
+    sink_.beginObject();
+    skipWhitespace();
+    if (!atEnd() && peek() == '}') {
+      ++position_;
+      --depth_;
+      return sink_.endObject();
+    }
+    while (!atEnd() && peek() == '"') {
+      sink_.key(readString());
+      expect(':');
+      readValue();
+      skipWhitespace();
+      if (!atEnd() && peek() == '}') {
+        ++position_;
+        --depth_;
+        return sink_.endObject();
+      }
+      expect(',');
+      skipWhitespace();
+    }
+    fail("object key must be a JSON string");
+  }
+
+  // Bytes are gathered as they stand into one reused buffer and decoded as UTF-8 once, at the closing
+  // quote; a string without escapes is not copied at all. The view stays valid until the next string
+  // is read.
+  std::string_view readString() {
+    expect('"');
+    bytes_.clear();
+    bool escaped = false;
+    while (!atEnd()) {
+      const std::size_t runStart = position_;
+      position_ = ORXJSONStringDecoding::plainRunEnd(input_.data(), input_.size(), position_);
+      if (atEnd()) break;
+      const char byte = input_[position_++];
+      if (byte == '"') {
+        const std::string_view text =
+            escaped ? std::string_view(bytes_.append(input_, runStart, position_ - 1 - runStart))
+                    : input_.substr(runStart, position_ - 1 - runStart);
+        if (!ORXValidation::isValidUTF8(text)) fail("invalid UTF-8 string");
+        return text;
+      }
+      if (byte != '\\') fail("unescaped control character");
+      escaped = true;
+      bytes_.append(input_, runStart, position_ - 1 - runStart);
+      readEscape();
+    }
+    fail("unterminated string");
+  }
+
+  void readEscape() {
+    if (atEnd()) fail("incomplete string escape");
+    switch (input_[position_++]) {
+      case '"': bytes_.push_back('"'); break;
+      case '\\': bytes_.push_back('\\'); break;
+      case '/': bytes_.push_back('/'); break;
+      case 'b': bytes_.push_back('\b'); break;
+      case 'f': bytes_.push_back('\f'); break;
+      case 'n': bytes_.push_back('\n'); break;
+      case 'r': bytes_.push_back('\r'); break;
+      case 't': bytes_.push_back('\t'); break;
+      case 'u': ORXJSONStringDecoding::appendUTF8(bytes_, readUnicodeEscape()); break;
+      default: fail("invalid string escape");
+    }
+  }
+
+  // After "\u": one scalar, combining a surrogate pair written as two escapes.
+  std::uint32_t readUnicodeEscape() {
+    const std::uint32_t unit = readHexQuad();
+    if (unit >= 0xDC00 && unit <= 0xDFFF) fail("invalid UTF-16 surrogate");
+    if (unit < 0xD800 || unit > 0xDBFF) return unit;
+    matchExactly('\\');
+    matchExactly('u');
+    const std::uint32_t low = readHexQuad();
+    if (low < 0xDC00 || low > 0xDFFF) fail("invalid UTF-16 surrogate pair");
+    return 0x10000 + (unit - 0xD800) * 0x400 + (low - 0xDC00);
+  }
+
+  std::uint32_t readHexQuad() {
+    if (input_.size() - position_ < 4) fail("incomplete unicode escape");
+    const std::int32_t value = ORXJSONStringDecoding::hexQuadValue(input_.data() + position_);
+    if (value < 0) fail("invalid unicode escape");
+    position_ += 4;
+    return static_cast<std::uint32_t>(value);
+  }
+
+  std::int64_t readInteger() {
+    const std::size_t start = position_;
+    if (peek() == '-') ++position_;
+    auto isDigit = [this] { return !atEnd() && peek() >= '0' && peek() <= '9'; };
+    if (!atEnd() && peek() == '0') {
+      ++position_;
+    } else if (isDigit()) {
+      while (isDigit()) ++position_;
+    } else {
+      fail("invalid number");
+    }
+    if (!atEnd() && (peek() == '.' || peek() == 'e' || peek() == 'E')) {
+      fail("floating JSON numbers are not canonical ORX values");
+    }
+    std::int64_t value = 0;
+    const char* first = input_.data() + start;
+    const char* last = input_.data() + position_;
+    if (std::from_chars(first, last, value).ec != std::errc()) fail("integer is out of Int64 range");
+    return value;
+  }
+
+  std::string_view input_;
+  Sink& sink_;
+  std::size_t position_ = 0;
+  int depth_ = 0;
+  std::string bytes_;
+};
+
+}  // namespace ORXCanonicalJSONReading

@@ -1,0 +1,70 @@
+#pragma once
+// Pieces of JSON string handling shared by the readers of JSON text (the canonical parser and the
+// application's quick reader) and the canonical writer.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+namespace ORXJSONStringDecoding {
+
+// A byte a JSON string cannot hold as it stands: a control below 0x20, the quote or the backslash.
+inline bool isSpecial(unsigned char byte) { return byte < 0x20 || byte == '"' || byte == '\\'; }
+
+// True when one of eight bytes (in any order) is special.
+inline bool anySpecial(std::uint64_t word) {
+  constexpr std::uint64_t ones = 0x0101010101010101u;
+  constexpr std::uint64_t highs = 0x8080808080808080u;
+  const auto hasZeroByte = [](std::uint64_t x) { return (x - ones) & ~x & highs; };
+  const std::uint64_t control = (word - ones * 0x20) & ~word & highs;
+  return (control | hasZeroByte(word ^ (ones * '"')) | hasZeroByte(word ^ (ones * '\\'))) != 0;
+}
+
+// Where the run of plain bytes starting at `position` ends: at the first special byte or the end.
+inline std::size_t plainRunEnd(const char* data, std::size_t size, std::size_t position) {
+  std::uint64_t word;
+  while (size - position >= 8 && (std::memcpy(&word, data + position, 8), !anySpecial(word))) position += 8;
+  while (position < size && !isSpecial(static_cast<unsigned char>(data[position]))) ++position;
+  return position;
+}
+
+// The value of a hexadecimal digit (either case), or -1.
+inline int hexDigitValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+// Four hex digits at `text`, or -1 when one is not a hex digit.
+inline std::int32_t hexQuadValue(const char* text) {
+  std::int32_t value = 0;
+  for (int i = 0; i < 4; ++i) {
+    const int digit = hexDigitValue(text[i]);
+    if (digit < 0) return -1;
+    value = value << 4 | digit;
+  }
+  return value;
+}
+
+// Appends the UTF-8 encoding of a scalar value.
+inline void appendUTF8(std::string& out, std::uint32_t scalar) {
+  if (scalar < 0x80) {
+    out.push_back(static_cast<char>(scalar));
+  } else if (scalar < 0x800) {
+    out.push_back(static_cast<char>(0xC0 | scalar >> 6));
+    out.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
+  } else if (scalar < 0x10000) {
+    out.push_back(static_cast<char>(0xE0 | scalar >> 12));
+    out.push_back(static_cast<char>(0x80 | (scalar >> 6 & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
+  } else {
+    out.push_back(static_cast<char>(0xF0 | scalar >> 18));
+    out.push_back(static_cast<char>(0x80 | (scalar >> 12 & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | (scalar >> 6 & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
+  }
+}
+
+}  // namespace ORXJSONStringDecoding
