@@ -25,6 +25,9 @@ TEST(ORXCanonicalJSON, RefusesEachMalformedTextWithItsMessage) {
       {".5", "unsupported JSON value"},
       {"[1,]", "unsupported JSON value"},
       {"\xff", "unsupported JSON value"},
+      {"\f1", "unsupported JSON value"},  // only space, tab, line feed and carriage return are whitespace
+      {"\v1", "unsupported JSON value"},
+      {"[1\f]", "unexpected JSON byte"},
       {"{1:2}", "object key must be a JSON string"},
       {"{\"a\":1,}", "object key must be a JSON string"},
       {"{\"a\":1,", "object key must be a JSON string"},

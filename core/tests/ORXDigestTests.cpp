@@ -48,6 +48,7 @@ TEST(ORXCanonicalObject, RefusesRepeatedAndNonUTF8Keys) {
                         "orx.v051.collection_duplicate: canonical object repeats key 'b'"));
   const std::string notUTF8 = "orx.v051.value_invalid: canonical string must be valid UTF-8";
   EXPECT_TRUE(orxThrows([] { V::object({{"\xff", V::integer(1)}}); }, notUTF8));
+  EXPECT_TRUE(orxThrows([] { V::object({{"a", V::integer(1)}, {"key\xc3", V::integer(2)}}); }, notUTF8));
   EXPECT_TRUE(orxThrows([] { V::string("\xed\xa0\x80"); }, notUTF8));
   const V object = V::object({{"b", V::integer(1)}, {"a", V::integer(2)}});
   EXPECT_EQ(object.asObject()->value("a"), &object.asObject()->fields()[0].second);
