@@ -191,6 +191,8 @@ TEST(ORXDecisionEvidenceRecord, StrictReaderRefusesAllButItsOwnBytes) {
        "orx.decision.enum_discriminant_invalid: closed enum discriminant is invalid"},
       {"outcome beyond 32 bits", replaced(allow, "{\"discriminant\":0,\"type\":\"orx.host::DecisionOutcome\"}", "{\"discriminant\":4294967296,\"type\":\"orx.host::DecisionOutcome\"}"),
        kEvidenceInvalid + "orx.host::DecisionOutcome is invalid"},
+      {"outcome below 32 bits", replaced(allow, "{\"discriminant\":0,\"type\":\"orx.host::DecisionOutcome\"}", "{\"discriminant\":-4294967296,\"type\":\"orx.host::DecisionOutcome\"}"),
+       kEvidenceInvalid + "orx.host::DecisionOutcome is invalid"},
       {"reason without tag", replaced(allow, noReason, R"("reason":{"type":"option<orx.host::FailureReason>"})"),
        kEvidenceInvalid + "option<orx.host::FailureReason> is not canonical"},
       {"reason with unknown tag", replaced(allow, noReason, R"("reason":{"tag":"nil","type":"option<orx.host::FailureReason>"})"),

@@ -62,6 +62,10 @@ TEST(ORXHostContractRecords, ConstructorsRefuseInvalidContent) {
        "orx.v051.value_invalid: target class must be qualified"},
       {"swapped observation enums", [&] { observation(source, precision, "player.state"); },
        "orx.v051.typed_value_invalid: observation enums have invalid types"},
+      {"precision twice", [&] { observation(precision, precision, "player.state"); },
+       "orx.v051.typed_value_invalid: observation enums have invalid types"},
+      {"source class twice", [&] { observation(source, source, "player.state"); },
+       "orx.v051.typed_value_invalid: observation enums have invalid types"},
       {"unqualified observation type", [&] { observation(precision, source, "state"); },
        "orx.v051.value_invalid: observation type must be qualified"},
       {"repeated observation", [&] {
