@@ -157,6 +157,8 @@ TEST(ORXEffectReceipt, BindsTheTrustedEvidence) {
   EXPECT_TRUE(orxThrows([&] { built.validateBinding(otherEvidence, intentID, fence()); }, mismatch));
   EXPECT_TRUE(orxThrows([&] { built.validateBinding(evidence, digest('1'), fence()); }, mismatch));
   EXPECT_TRUE(orxThrows([&] { built.validateBinding(evidence, intentID, fence(8)); }, mismatch));
+  const ORXGenerationFence otherFenceID("host.playback", 7, digest('e'));
+  EXPECT_TRUE(orxThrows([&] { built.validateBinding(evidence, intentID, otherFenceID); }, mismatch));
   EXPECT_NE(receipt(ORXReceiptOutcome::notAttempted).canonicalValue().canonicalString().find(
                 "\"outcome\":{\"discriminant\":4,\"type\":\"orx.host::ReceiptOutcome\"}"),
             std::string::npos);
