@@ -25,6 +25,9 @@ TEST(ORXCanonicalJSON, RefusesEachMalformedTextWithItsMessage) {
       {".5", "unsupported JSON value"},
       {"[1,]", "unsupported JSON value"},
       {"\xff", "unsupported JSON value"},
+      {"\f1", "unsupported JSON value"},  // only space, tab, line feed and carriage return are whitespace
+      {"\v1", "unsupported JSON value"},
+      {"[1\f]", "unexpected JSON byte"},
       {"{1:2}", "object key must be a JSON string"},
       {"{\"a\":1,}", "object key must be a JSON string"},
       {"{\"a\":1,", "object key must be a JSON string"},
@@ -44,9 +47,15 @@ TEST(ORXCanonicalJSON, RefusesEachMalformedTextWithItsMessage) {
       {std::string("\"a\0\"", 4), "unescaped control character"},
       {"\"\\", "incomplete string escape"},
       {"\"\\x\"", "invalid string escape"},
+      {"\"\\udc00\"", "invalid UTF-16 surrogate"},
       {"\"\\ude00\"", "invalid UTF-16 surrogate"},
+      {"\"\\udfff\"", "invalid UTF-16 surrogate"},
+      {"\"\\ud800\"", "unexpected JSON byte"},
+      {"\"\\udbff\"", "unexpected JSON byte"},
       {"\"\\ud83d\\u0041\"", "invalid UTF-16 surrogate pair"},
       {"\"\\ud83d\\ud83d\"", "invalid UTF-16 surrogate pair"},
+      {"\"\\ud800\\udbff\"", "invalid UTF-16 surrogate pair"},
+      {"\"\\udbff\\ue000\"", "invalid UTF-16 surrogate pair"},
       {"\"\xc3\"", "invalid UTF-8 string"},
       {"\"\xed\xa0\x80\"", "invalid UTF-8 string"},  // an encoded surrogate
       {"\"\xc0\xaf\"", "invalid UTF-8 string"},      // an overlong solidus
@@ -67,8 +76,45 @@ TEST(ORXCanonicalJSON, RefusesEachMalformedTextWithItsMessage) {
   for (const auto& c : cases) {
     EXPECT_TRUE(orxThrows([&] { ORXCanonicalJSON::parse(c.text); }, parseError(c.message))) << c.text;
   }
-  EXPECT_TRUE(orxThrows([] { ORXCanonicalJSON::parse("{\"a\":1,\"b\":2,\"a\":3}"); },
-                        "orx.v051.collection_duplicate: canonical object repeats key 'a'"));
+  for (const char* repeated : {"{\"a\":1,\"b\":2,\"a\":3}", "{\"a\":1,\"a\":2}", "{\"a\":1,\"a\":1}"}) {
+    EXPECT_TRUE(orxThrows([&] { ORXCanonicalJSON::parse(repeated); },
+                          "orx.v051.collection_duplicate: canonical object repeats key 'a'"))
+        << repeated;
+  }
+}
+
+// Both ends of every byte range of well-formed UTF-8, and the first byte past each; the padded cases put the
+// byte at every position of an eight-byte ASCII run.
+TEST(ORXCanonicalJSON, AcceptsExactlyWellFormedUTF8) {
+  struct Case {
+    std::string bytes;
+    bool valid;
+  };
+  const Case cases[] = {
+      {"\x7f", true},          {"\x80", false},         {"\xbf", false},          {"\xc1\xbf", false},
+      {"\xc2\x80", true},      {"\xdf\xbf", true},      {"\xc2\x7f", false},      {"\xc2\xc0", false},
+      {"\xe0\x80\xaf", false}, {"\xe0\x9f\xbf", false}, {"\xe0\xa0\x80", true},   {"\xe1\x80\x80", true},
+      {"\xec\xbf\xbf", true},  {"\xed\x80\x80", true},  {"\xed\x9f\xbf", true},   {"\xed\xa0\x80", false},
+      {"\xed\xbf\xbf", false}, {"\xee\x80\x80", true},  {"\xef\xbf\xbf", true},   {"\xe1\x7f\x80", false},
+      {"\xe1\xc0\x80", false}, {"\xe1\x80\x7f", false}, {"\xe1\x80\xc0", false},  {"\xe1\x80", false},
+      {"\xf0\x8f\xbf\xbf", false}, {"\xf0\x90\x80\x80", true}, {"\xf3\xbf\xbf\xbf", true},
+      {"\xf4\x8f\xbf\xbf", true},  {"\xf4\x90\x80\x80", false}, {"\xf5\x80\x80\x80", false},
+      {"\xf1\x80\x80\x7f", false}, {"\xf1\x80\x7f\x80", false}, {"\xf1\x80\x80", false}, {"\xf8\x88\x80\x80\x80", false},
+      {"\xfe", false},         {"\xff", false},
+      {"abcdefgh", true},      {"abcdefg\xff", false},  {"abcdefgh\xff", false},  {"\xffzbcdefgh", false},
+      {"abcdefg\xc3\xa9z", true}, {"abcdefghijklmno\x80", false},
+  };
+  const std::string notUTF8 = "orx.v051.value_invalid: canonical string must be valid UTF-8";
+  for (const auto& c : cases) {
+    if (c.valid) {
+      EXPECT_EQ(*V::string(c.bytes).asString(), c.bytes);
+      EXPECT_EQ(*ORXCanonicalJSON::parse("\"" + c.bytes + "\"").asString(), c.bytes);
+    } else {
+      EXPECT_TRUE(orxThrows([&] { V::string(c.bytes); }, notUTF8)) << testing::PrintToString(c.bytes);
+      EXPECT_TRUE(orxThrows([&] { ORXCanonicalJSON::parse("\"" + c.bytes + "\""); }, parseError("invalid UTF-8 string")))
+          << testing::PrintToString(c.bytes);
+    }
+  }
 }
 
 TEST(ORXCanonicalJSON, ReadsValuesAndSortsKeys) {
@@ -86,6 +132,12 @@ TEST(ORXCanonicalJSON, ReadsValuesAndSortsKeys) {
       {"-9223372036854775808", V::integer(INT64_MIN), "-9223372036854775808"},
       {"-0", V::integer(0), "0"},
       {"\"\\ud83d\\ude00\"", V::string("\xf0\x9f\x98\x80"), "\"\xf0\x9f\x98\x80\""},
+      // The first and last scalars around and beyond the surrogate range.
+      {"\"\\ud7ff\\ue000\"", V::string("\xed\x9f\xbf\xee\x80\x80"), "\"\xed\x9f\xbf\xee\x80\x80\""},
+      {"\"\\ud800\\udc00\\udbff\\udfff\"", V::string("\xf0\x90\x80\x80\xf4\x8f\xbf\xbf"),
+       "\"\xf0\x90\x80\x80\xf4\x8f\xbf\xbf\""},
+      {"\"\\u0020 \\u007f\\u0080\\u07ff\\u0800\\uffff\"", V::string("  \x7f\xc2\x80\xdf\xbf\xe0\xa0\x80\xef\xbf\xbf"),
+       "\"  \x7f\xc2\x80\xdf\xbf\xe0\xa0\x80\xef\xbf\xbf\""},
       {"\"\\u0000\"", V::string(std::string(1, '\0')), "\"\\u0000\""},
       {"\"\\/\\u00e9\\u001F\"", V::string("/\xc3\xa9\x1f"), "\"/\xc3\xa9\\u001f\""},
       {"[false,[{}]]", V::array({V::boolean(false), V::array({V::object(ORXCanonicalObject())})}), "[false,[{}]]"},

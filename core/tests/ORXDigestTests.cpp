@@ -21,6 +21,8 @@ TEST(ORXCanonicalSerialization, WritesMinimalEscapesAndRawUTF8) {
   };
   const Case cases[] = {
       {V::string(""), "\"\""},
+      {V::string(" a b "), "\" a b \""},
+      {V::string(" !#[]~"), "\" !#[]~\""},
       {V::string("\t\"\\/\x7f\xc3\xa9"), "\"\\t\\\"\\\\/\x7f\xc3\xa9\""},
       {V::string("\x1f\x0b\b\f\n\r"), "\"\\u001f\\u000b\\b\\f\\n\\r\""},
       {V::string(std::string("a\0b", 3)), "\"a\\u0000b\""},
@@ -39,8 +41,14 @@ TEST(ORXCanonicalSerialization, WritesMinimalEscapesAndRawUTF8) {
 TEST(ORXCanonicalObject, RefusesRepeatedAndNonUTF8Keys) {
   EXPECT_TRUE(orxThrows([] { V::object({{"b", V::integer(1)}, {"a", V::integer(2)}, {"b", V::integer(3)}}); },
                         "orx.v051.collection_duplicate: canonical object repeats key 'b'"));
+  // Repeats that arrive in sorted order: adjacent, and after a sorted prefix.
+  EXPECT_TRUE(orxThrows([] { V::object({{"a", V::integer(1)}, {"a", V::integer(2)}}); },
+                        "orx.v051.collection_duplicate: canonical object repeats key 'a'"));
+  EXPECT_TRUE(orxThrows([] { V::object({{"a", V::integer(1)}, {"b", V::integer(2)}, {"b", V::integer(2)}}); },
+                        "orx.v051.collection_duplicate: canonical object repeats key 'b'"));
   const std::string notUTF8 = "orx.v051.value_invalid: canonical string must be valid UTF-8";
   EXPECT_TRUE(orxThrows([] { V::object({{"\xff", V::integer(1)}}); }, notUTF8));
+  EXPECT_TRUE(orxThrows([] { V::object({{"a", V::integer(1)}, {"key\xc3", V::integer(2)}}); }, notUTF8));
   EXPECT_TRUE(orxThrows([] { V::string("\xed\xa0\x80"); }, notUTF8));
   const V object = V::object({{"b", V::integer(1)}, {"a", V::integer(2)}});
   EXPECT_EQ(object.asObject()->value("a"), &object.asObject()->fields()[0].second);
@@ -84,6 +92,8 @@ TEST(ORXDigest, DomainDigestsMatchAnIndependentHash) {
        "dc85339e73cc331c1fe8fb34bafb43361e90d38ca924b77f09915b14b21eb4ff"},
       {ORXDigest::domain("ORX_CANONICAL_TYPED_INPUT_V1", mixed),
        "1f6368c448ee09817568a14fcdd65d2d575c066c40b149eb2fa2a8a76b27519b"},
+      {ORXDigest::domain("ORX_CANONICAL_TYPED_INPUT_V1", V::object({{"a b", V::string(" c d ")}})),
+       "92d1bc41cc39a3d0331857cc87a5119d5ecf1fafb79769dce28e439dbc473dfb"},
       {identity.digest(), "fb834eea9702744bc039901502bc02e29eae0f43edaea056b27c510985f5a21e"},
       {artifact.digest(), "f160c2777c576a4a7bc4c36e3dd2cb71908631a64b4b3020ae20dd1f5e26cec9"},
       {ORXDigest::raw(""), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},

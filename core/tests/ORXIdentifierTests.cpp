@@ -22,6 +22,16 @@ TEST(ORXValidation, IdentifierRules) {
       {"a-b.c_9", false, kAccepted},
       {std::string(96, 'a'), false, kAccepted},
       {"a.b", true, kAccepted},
+      {"z09", false, kAccepted},
+      {"`a", false, "orx.v051.value_invalid: capability must begin with lowercase ASCII"},
+      {"{a", false, "orx.v051.value_invalid: capability must begin with lowercase ASCII"},
+      {"_a", false, "orx.v051.value_invalid: capability must begin with lowercase ASCII"},
+      {"a`", false, "orx.v051.value_invalid: capability contains an invalid character"},
+      {"a{", false, "orx.v051.value_invalid: capability contains an invalid character"},
+      {"a/", false, "orx.v051.value_invalid: capability contains an invalid character"},
+      {"aZ", false, "orx.v051.value_invalid: capability contains an invalid character"},
+      {"a\x7f", false, "orx.v051.value_invalid: capability contains an invalid character"},
+      {"a\xc3\xa9", false, "orx.v051.value_invalid: capability must be non-empty ASCII"},
       {"", false, "orx.v051.value_invalid: capability must be non-empty ASCII"},
       {"\xc3\xa9", false, "orx.v051.value_invalid: capability must be non-empty ASCII"},
       {std::string(97, 'a'), false, "orx.v051.value_invalid: capability is too long"},
@@ -50,6 +60,10 @@ TEST(ORXValidation, EnumIdentityRules) {
   const Case cases[] = {
       {"orx.host::FailureReason", kAccepted},
       {"m::E_2", kAccepted},
+      {"m::Zaz09_", kAccepted},
+      {"m::@", "orx.v051.typed_value_invalid: enum type must have a capitalized type name"},
+      {"m::[", "orx.v051.typed_value_invalid: enum type must have a capitalized type name"},
+      {"m::Ab-", "orx.v051.typed_value_invalid: enum type must have a capitalized type name"},
       {"orx.host::resourceClass", "orx.v051.typed_value_invalid: enum type must have a capitalized type name"},
       {"m::", "orx.v051.typed_value_invalid: enum type must have a capitalized type name"},
       {"m::E-1", "orx.v051.typed_value_invalid: enum type must have a capitalized type name"},
@@ -147,6 +161,33 @@ TEST(ORXEnumValue, ChecksAgainstTheRegistry) {
   }
   EXPECT_EQ(ORXEnumValue(3, "orx.host::FailureReason").canonicalValue().canonicalString(),
             "{\"discriminant\":3,\"type\":\"orx.host::FailureReason\"}");
+}
+
+// The host registry's enumerations run from 0 to their last case: both ends are accepted, the values
+// just outside refused, and only FailureReason is an error enumeration.
+TEST(ORXClosedEnumContext, HostEnumsRunFromZeroToTheirLastCase) {
+  struct Case {
+    const char* typeID;
+    std::int32_t last;
+    bool errorEnum;
+  };
+  const Case cases[] = {
+      {"orx.host::ResourceClass", 5, false},   {"orx.host::SourceClass", 3, false},
+      {"orx.host::ObservationPrecision", 5, false}, {"orx.host::DecisionOutcome", 2, false},
+      {"orx.host::FailureReason", 13, true},   {"orx.host::ReceiptOutcome", 4, false},
+      {"orx.host::TerminalState", 2, false},
+  };
+  const std::string invalid = "orx.decision.enum_discriminant_invalid: closed enum discriminant is invalid";
+  for (const auto& c : cases) {
+    const auto& host = ORXClosedEnumContext::host();
+    for (std::int32_t accepted : {0, c.last}) {
+      EXPECT_EQ(ORXEnumValue(accepted, c.typeID, host, std::nullopt, c.errorEnum).discriminant(), accepted) << c.typeID;
+    }
+    for (std::int32_t refused : {-1, c.last + 1}) {
+      EXPECT_TRUE(orxThrows([&] { ORXEnumValue(refused, c.typeID); }, invalid)) << c.typeID << " " << refused;
+    }
+    EXPECT_EQ(host.schema(c.typeID)->kind() == ORXClosedEnumKind::errorEnum, c.errorEnum) << c.typeID;
+  }
 }
 
 TEST(ORXClosedEnumContext, RefusesRepeatedAndEmptySchemas) {

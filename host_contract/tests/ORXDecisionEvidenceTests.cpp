@@ -79,24 +79,71 @@ TEST(ORXDecisionEvidenceRecord, AuthorityShapeMustFitTheOutcome) {
                         kEvidenceInvalid + "ORX ABI lane is invalid"));
 }
 
+// The fields of allow evidence that the component binding compares with more than one component; the
+// defaults are those of evidence(allow).
+struct BoundFields {
+  std::string lane = "0.11";
+  ORXDigest packageIdentityDigest = packageIdentity().digest();
+  ORXDigest verifiedArtifactDigest = verifiedArtifact().digest();
+  std::string policyIdentity = "ravo.player-authz";
+  std::vector<ORXBudget> requestedBudgets = budgets();
+  ORXGrantScope requestedScope = scope();
+  ORXGenerationFence generationFence = fence();
+};
+
+ORXDecisionEvidenceRecord allowEvidence(const BoundFields& f) {
+  return ORXDecisionEvidenceRecord(f.lane, typedInput().digest(), deadline(), ORXDecisionOutcome::allow,
+                                   {ORXBudget(5, ORXResourceClass(2))}, ORXOptionalGrantScope::some(scope()),
+                                   f.generationFence, grantSet().digest(), intent().digest(), f.packageIdentityDigest,
+                                   policy().digest(), f.policyIdentity, ORXOptionalFailureReason::none(),
+                                   f.requestedBudgets, f.requestedScope, f.verifiedArtifactDigest);
+}
+
+// Each case breaks exactly one comparison of the binding: the evidence names the changed component's
+// digest wherever that digest is compared too.
 TEST(ORXDecisionEvidenceRecord, ComponentBindingCatchesAnyChangedComponent) {
-  const auto record = evidence(ORXDecisionOutcome::allow);
-  EXPECT_NO_THROW(record.validateDiagnosticComponents(components()));
+  EXPECT_NO_THROW(allowEvidence({}).validateDiagnosticComponents(components()));
+  EXPECT_EQ(allowEvidence({}), evidence(ORXDecisionOutcome::allow));
   const std::string mismatch = kEvidenceInvalid + "DecisionEvidence component binding mismatch";
   const ORXVerifiedArtifact otherArtifact("0.11", digest('c'), digest('e'));
+  const ORXVerifiedArtifact artifactInLane12("0.12", digest('c'), digest('d'));
+  const ORXPackageIdentity identityOfOtherArtifact("0.11", digest('a'), digest('b'), otherArtifact.digest());
+  const ORXPackageIdentity identityInLane12("0.12", digest('a'), digest('b'), verifiedArtifact().digest());
+  const ORXPackageIdentity identityOfLane12Artifact("0.11", digest('a'), digest('b'), artifactInLane12.digest());
   const ORXDecisionIntent otherIntent({}, deadline(), "media.pause", fence(), digest('1'), {}, {}, scope());
-  const ORXDecisionEvidenceComponents changed[] = {
-      {ORXCanonicalTypedInput({}), grantSet(), intent(), packageIdentity(), policy(), verifiedArtifact()},
-      {typedInput(), ORXGrantSet({}), intent(), packageIdentity(), policy(), verifiedArtifact()},
-      {typedInput(), grantSet(), otherIntent, packageIdentity(), policy(), verifiedArtifact()},
-      {typedInput(), grantSet(), intent(), ORXPackageIdentity("0.11", digest('a'), digest('b'), otherArtifact.digest()),
-       policy(), verifiedArtifact()},
-      {typedInput(), grantSet(), intent(), packageIdentity(),
-       ORXPolicyArtifact("ravo.player-authz", digest('8'), digest('9'), "1.2.1"), verifiedArtifact()},
-      {typedInput(), grantSet(), intent(), packageIdentity(), policy(), ORXVerifiedArtifact("0.12", digest('c'), digest('d'))},
+  const ORXPolicyArtifact otherPolicy("ravo.player-authz", digest('8'), digest('9'), "1.2.1");
+  const ORXGrantScope otherScope({"media.seek"}, 3, {ORXResourceClass(2)}, "player.local");
+  struct Case {
+    const char* what;
+    ORXDecisionEvidenceRecord record;
+    ORXDecisionEvidenceComponents components;
   };
-  for (const auto& components : changed) {
-    EXPECT_TRUE(orxThrows([&] { record.validateDiagnosticComponents(components); }, mismatch));
+  const Case cases[] = {
+      {"typed input", allowEvidence({}),
+       {ORXCanonicalTypedInput({}), grantSet(), intent(), packageIdentity(), policy(), verifiedArtifact()}},
+      {"grant set", allowEvidence({}), {typedInput(), ORXGrantSet({}), intent(), packageIdentity(), policy(), verifiedArtifact()}},
+      {"intent", allowEvidence({}), {typedInput(), grantSet(), otherIntent, packageIdentity(), policy(), verifiedArtifact()}},
+      {"package identity", allowEvidence({}),
+       {typedInput(), grantSet(), intent(), identityOfOtherArtifact, policy(), verifiedArtifact()}},
+      {"policy", allowEvidence({}), {typedInput(), grantSet(), intent(), packageIdentity(), otherPolicy, verifiedArtifact()}},
+      {"verified artifact", allowEvidence({}),
+       {typedInput(), grantSet(), intent(), packageIdentity(), policy(), otherArtifact}},
+      {"identity's artifact digest", allowEvidence({.packageIdentityDigest = identityOfOtherArtifact.digest()}),
+       {typedInput(), grantSet(), intent(), identityOfOtherArtifact, policy(), verifiedArtifact()}},
+      {"identity's lane", allowEvidence({.packageIdentityDigest = identityInLane12.digest()}),
+       {typedInput(), grantSet(), intent(), identityInLane12, policy(), verifiedArtifact()}},
+      {"artifact's lane",
+       allowEvidence({.packageIdentityDigest = identityOfLane12Artifact.digest(),
+                      .verifiedArtifactDigest = artifactInLane12.digest()}),
+       {typedInput(), grantSet(), intent(), identityOfLane12Artifact, policy(), artifactInLane12}},
+      {"evidence lane", allowEvidence({.lane = "0.12"}), components()},
+      {"policy identity", allowEvidence({.policyIdentity = "ravo.sync"}), components()},
+      {"requested budgets", allowEvidence({.requestedBudgets = {}}), components()},
+      {"requested scope", allowEvidence({.requestedScope = otherScope}), components()},
+      {"generation fence", allowEvidence({.generationFence = fence(8)}), components()},
+  };
+  for (const auto& c : cases) {
+    EXPECT_TRUE(orxThrows([&] { c.record.validateDiagnosticComponents(c.components); }, mismatch)) << c.what;
   }
 }
 
@@ -144,6 +191,8 @@ TEST(ORXDecisionEvidenceRecord, StrictReaderRefusesAllButItsOwnBytes) {
        "orx.decision.enum_discriminant_invalid: closed enum discriminant is invalid"},
       {"outcome beyond 32 bits", replaced(allow, "{\"discriminant\":0,\"type\":\"orx.host::DecisionOutcome\"}", "{\"discriminant\":4294967296,\"type\":\"orx.host::DecisionOutcome\"}"),
        kEvidenceInvalid + "orx.host::DecisionOutcome is invalid"},
+      {"outcome below 32 bits", replaced(allow, "{\"discriminant\":0,\"type\":\"orx.host::DecisionOutcome\"}", "{\"discriminant\":-4294967296,\"type\":\"orx.host::DecisionOutcome\"}"),
+       kEvidenceInvalid + "orx.host::DecisionOutcome is invalid"},
       {"reason without tag", replaced(allow, noReason, R"("reason":{"type":"option<orx.host::FailureReason>"})"),
        kEvidenceInvalid + "option<orx.host::FailureReason> is not canonical"},
       {"reason with unknown tag", replaced(allow, noReason, R"("reason":{"tag":"nil","type":"option<orx.host::FailureReason>"})"),
@@ -163,6 +212,8 @@ TEST(ORXDecisionEvidenceRecord, StrictReaderRefusesAllButItsOwnBytes) {
        kEvidenceInvalid + "effect type must be a string"},
       {"lane not a string", replaced(allow, "\"orx_abi_lane\":\"0.11\"", "\"orx_abi_lane\":11"), kEvidenceInvalid + "orx_abi_lane must be a string"},
       {"lane 0.9", replaced(allow, "\"orx_abi_lane\":\"0.11\"", "\"orx_abi_lane\":\"0.9\""), kEvidenceInvalid + "ORX ABI lane is invalid"},
+      {"repeated key in sorted order", replaced(allow, "\"deadline\":", "\"contract_version\":"),
+       "orx.v051.collection_duplicate: canonical object repeats key 'contract_version'"},
       {"deny carrying a scope", replaced(allow, "{\"discriminant\":0,\"type\":\"orx.host::DecisionOutcome\"}", "{\"discriminant\":1,\"type\":\"orx.host::DecisionOutcome\"}"),
        kEvidenceInvalid + "DecisionEvidence authority shape is invalid"},
   };

@@ -62,6 +62,10 @@ TEST(ORXHostContractRecords, ConstructorsRefuseInvalidContent) {
        "orx.v051.value_invalid: target class must be qualified"},
       {"swapped observation enums", [&] { observation(source, precision, "player.state"); },
        "orx.v051.typed_value_invalid: observation enums have invalid types"},
+      {"precision twice", [&] { observation(precision, precision, "player.state"); },
+       "orx.v051.typed_value_invalid: observation enums have invalid types"},
+      {"source class twice", [&] { observation(source, source, "player.state"); },
+       "orx.v051.typed_value_invalid: observation enums have invalid types"},
       {"unqualified observation type", [&] { observation(precision, source, "state"); },
        "orx.v051.value_invalid: observation type must be qualified"},
       {"repeated observation", [&] {
@@ -153,6 +157,8 @@ TEST(ORXEffectReceipt, BindsTheTrustedEvidence) {
   EXPECT_TRUE(orxThrows([&] { built.validateBinding(otherEvidence, intentID, fence()); }, mismatch));
   EXPECT_TRUE(orxThrows([&] { built.validateBinding(evidence, digest('1'), fence()); }, mismatch));
   EXPECT_TRUE(orxThrows([&] { built.validateBinding(evidence, intentID, fence(8)); }, mismatch));
+  const ORXGenerationFence otherFenceID("host.playback", 7, digest('e'));
+  EXPECT_TRUE(orxThrows([&] { built.validateBinding(evidence, intentID, otherFenceID); }, mismatch));
   EXPECT_NE(receipt(ORXReceiptOutcome::notAttempted).canonicalValue().canonicalString().find(
                 "\"outcome\":{\"discriminant\":4,\"type\":\"orx.host::ReceiptOutcome\"}"),
             std::string::npos);

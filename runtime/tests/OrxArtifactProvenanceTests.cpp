@@ -6,9 +6,14 @@
 #include <fstream>
 #include <functional>
 
+#include <nlohmann/json.hpp>
+
+#include "runtime/OrxEvidence.h"
 #include "runtime/OrxLog.h"
 #include "runtime/OrxPolicyRuntime.h"
+#include "runtime/RuntimeError.h"
 #include "runtime/tests/ArtifactCopy.h"
+#include "runtime/tests/WatAssembler.h"
 
 namespace {
 
@@ -61,6 +66,24 @@ TEST(OrxArtifactProvenance, TamperedCopiesAreRefusedWithTheRuntimesTexts) {
        [](auto& copy) { copy.editEvidence([](Json& e) { moduleRecord(e, "sync_correction")["compilerIdentity"] = "x"; }); },
        "sync_correction: ORX source/package/compiler identity mismatch for sync_correction",
        "ORX partial \u00B7 authz c3ea776c / sync unavailable / cinema 92624572"},
+      {"module record with another source digest",
+       [](auto& copy) {
+         copy.editEvidence([](Json& e) { moduleRecord(e, "player_authz")["sourceSha256"] = std::string(64, '0'); });
+       },
+       "player_authz: ORX source/package/compiler identity mismatch for player_authz",
+       "ORX partial \u00B7 authz unavailable / sync 7155bd93 / cinema 92624572"},
+      {"module record with another manifest digest",
+       [](auto& copy) {
+         copy.editEvidence([](Json& e) { moduleRecord(e, "cinema_admission")["packageManifestSha256"] = std::string(64, 'f'); });
+       },
+       "cinema_admission: ORX source/package/compiler identity mismatch for cinema_admission",
+       "ORX partial \u00B7 authz c3ea776c / sync 7155bd93 / cinema unavailable"},
+      {"module file that is a device",
+       [](auto& copy) {
+         fs::remove(copy.path() / "sync_correction.wasm");
+         fs::create_symlink("/dev/null", copy.path() / "sync_correction.wasm");
+       },
+       "sync_correction: could not read …", "ORX partial \u00B7 authz c3ea776c / sync unavailable / cinema 92624572"},
       {"recorded wasm digest not approved",
        [](auto& copy) {
          copy.editEvidence([](Json& e) { moduleRecord(e, "sync_correction")["wasmSha256"] = std::string(64, '0'); });
@@ -72,6 +95,12 @@ TEST(OrxArtifactProvenance, TamperedCopiesAreRefusedWithTheRuntimesTexts) {
        "ORX evidence contains duplicate module records", kNoModules},
       {"changed top-level compiler identity",
        [](auto& copy) { copy.editEvidence([](Json& e) { e["compilerIdentity"] = "unreviewed compiler"; }); },
+       "ORX build provenance is not approved by this Ravo build", kNoModules},
+      {"other profile",
+       [](auto& copy) { copy.editEvidence([](Json& e) { e["profile"] = "mock-output-v012"; }); },
+       "ORX build provenance is not approved by this Ravo build", kNoModules},
+      {"other toolchain bundle",
+       [](auto& copy) { copy.editEvidence([](Json& e) { e["toolchainBundleSha256"] = std::string(64, '0'); }); },
        "ORX build provenance is not approved by this Ravo build", kNoModules},
       {"other generator",
        [](auto& copy) { copy.editEvidence([](Json& e) { e["generatedBy"] = "make"; }); },
@@ -113,6 +142,33 @@ TEST(OrxArtifactProvenance, TamperedCopiesAreRefusedWithTheRuntimesTexts) {
     EXPECT_EQ(runtime.statusDescription(), c.status) << c.name;
   }
   setOrxLogSink({});
+}
+
+// The module checks on their own, for records the runtime's top-level check would already refuse.
+TEST(OrxArtifactProvenance, ModuleChecksNeedExactlyOneApprovedRecord) {
+  ArtifactCopy copy;
+  OrxEvidence evidence = OrxEvidence::decode(readTestFile(copy.path() / "evidence.json"));
+  const OrxModuleEvidence authorization = evidence.modules.at(0);
+  ASSERT_EQ(authorization.module, "player_authz");
+  EXPECT_EQ(verifyModuleArtifacts("player_authz", copy.path(), evidence).digest.substr(0, 8), "c3ea776c");
+
+  evidence.modules.push_back(authorization);
+  auto refusal = [&](std::string_view name) {
+    try {
+      verifyModuleArtifacts(name, copy.path(), evidence);
+    } catch (const RuntimeError& error) {
+      return error.message;
+    }
+    return std::string("accepted");
+  };
+  EXPECT_EQ(refusal("player_authz"), "Missing passing package-check evidence for player_authz");
+
+  // A complete record and files for a module this build approves nothing for.
+  evidence.modules.back().module = "future_module";
+  for (const char* suffix : {".wasm", ".package-check.json"}) {
+    fs::copy_file(copy.path() / ("player_authz" + std::string(suffix)), copy.path() / ("future_module" + std::string(suffix)));
+  }
+  EXPECT_EQ(refusal("future_module"), "ORX source/package/compiler identity mismatch for future_module");
 }
 
 TEST(OrxArtifactProvenance, LogsOneLineForEachOutcome) {

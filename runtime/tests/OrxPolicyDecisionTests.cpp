@@ -11,7 +11,7 @@
 
 namespace {
 
-enum Mode : std::int32_t { emits = 0, silent = 1, traps = 2, emitsTwice = 3, emitsFour = 4 };
+enum Mode : std::int32_t { emits = 0, silent = 1, traps = 2, emitsTwice = 3, emitsFour = 4, emitsSix = 5 };
 
 struct Record {
   Mode mode;
@@ -47,8 +47,45 @@ class CapturedLog {
   std::vector<std::string> lines_;
 };
 
-constexpr auto invalid = OrxAuthorizationDecision::invalid();
-constexpr auto unavailable = OrxAuthorizationDecision::runtimeUnavailable();
+// The fail-safe answers, stated as the values the host and the modules exchange.
+constexpr OrxAuthorizationDecision invalid{false, OrxAuthorizationReason{101}, 0};
+constexpr OrxAuthorizationDecision unavailable{false, OrxAuthorizationReason{100}, 0};
+constexpr OrxSyncDecision hold{OrxSyncAction{0}, 1000, 0, 1};
+constexpr OrxCinemaAdmissionDecision metalFX{OrxCinemaAdmissionRoute{0}, 0, 0, OrxCinemaAdmissionReason{6}};
+
+TEST(OrxPolicyDecisions, FailSafeAnswersAndRawValuesAreFixed) {
+  EXPECT_EQ(OrxAuthorizationDecision::invalid(), invalid);
+  EXPECT_EQ(OrxAuthorizationDecision::runtimeUnavailable(), unavailable);
+  EXPECT_EQ(OrxSyncDecision::hold(), hold);
+  EXPECT_EQ(OrxCinemaAdmissionDecision::metalFXOnly(), metalFX);
+  struct Case {
+    std::int32_t raw;
+    std::string_view authorization, sync, route, cinemaReason;
+  };
+  const Case cases[] = {
+      {-1, "", "", "", ""},
+      {0, "allowed", "hold", "metalFXOnly", "liveSafe"},
+      {1, "unpaired", "nudge", "fullFrameML", "thermalOrMemory"},
+      {2, "tokenExpired", "seek", "sparseAnchorResearch", "sourceReservoir"},
+      {3, "rateLimited", "", "calibration", "nonMLOverBudget"},
+      {4, "missingGrant", "", "measurementRequired", "sparseResearch"},
+      {5, "notController", "", "", "calibration"},
+      {6, "unknownCommand", "", "", "invalidFacts"},
+      {7, "needsAdmin", "", "", ""},
+      {8, "", "", "", ""},
+      {99, "", "", "", ""},
+      {100, "runtimeUnavailable", "", "", ""},
+      {101, "invalidResult", "", "", ""},
+      {102, "", "", "", ""},
+  };
+  auto name = [](auto value) { return value ? orxCaseName(*value) : std::string_view(); };
+  for (const auto& c : cases) {
+    EXPECT_EQ(name(orxAuthorizationReason(c.raw)), c.authorization) << c.raw;
+    EXPECT_EQ(name(orxSyncAction(c.raw)), c.sync) << c.raw;
+    EXPECT_EQ(name(orxCinemaAdmissionRoute(c.raw)), c.route) << c.raw;
+    EXPECT_EQ(name(orxCinemaAdmissionReason(c.raw)), c.cinemaReason) << c.raw;
+  }
+}
 
 TEST(OrxPolicyDecisions, AuthorizationAcceptsOnlyAnEchoedTaggedRecordInRange) {
   using R = OrxAuthorizationReason;
@@ -72,6 +109,7 @@ TEST(OrxPolicyDecisions, AuthorizationAcceptsOnlyAnEchoedTaggedRecordInRange) {
       {"command not echoed", {emits, 5201, 1, 7, 0, 3, 1}, 6, invalid},
       {"unknown reason", {emits, 5201, 0, 6, 8, 3, 0}, 6, invalid},
       {"four values", {emitsFour, 5201, 1, 6, 0, 3, 1}, 6, invalid},
+      {"six values", {emitsSix, 5201, 1, 6, 0, 3, 1}, 6, invalid},
       {"no emission", {silent, 5201, 1, 6, 0, 3, 1}, 6, invalid},
       {"trap", {traps, 5201, 1, 6, 0, 3, 1}, 6, unavailable},
   };
@@ -90,7 +128,6 @@ TEST(OrxPolicyDecisions, AuthorizationAcceptsOnlyAnEchoedTaggedRecordInRange) {
 
 TEST(OrxPolicyDecisions, SyncAcceptsOnlyConsistentOutputInsideTheBand) {
   using A = OrxSyncAction;
-  const auto hold = OrxSyncDecision::hold();
   struct Case {
     const char* name;
     Record record;
@@ -111,6 +148,8 @@ TEST(OrxPolicyDecisions, SyncAcceptsOnlyConsistentOutputInsideTheBand) {
       {"reason -1", {emits, 5301, 1, 967, 0, -1, 1}, hold},
       {"unknown action", {emits, 5301, 3, 1000, 0, 0, 3}, hold},
       {"wrong tag", {emits, 5201, 1, 967, 0, 3, 1}, hold},
+      {"four values", {emitsFour, 5301, 1, 967, 0, 3, 1}, hold},
+      {"six values", {emitsSix, 5301, 1, 967, 0, 3, 1}, hold},
       {"no emission", {silent, 5301, 1, 967, 0, 3, 1}, hold},
       {"trap", {traps, 5301, 1, 967, 0, 3, 1}, hold},
   };
@@ -128,7 +167,6 @@ TEST(OrxPolicyDecisions, SyncAcceptsOnlyConsistentOutputInsideTheBand) {
 TEST(OrxPolicyDecisions, CinemaAcceptsOnlyRoutesThatAgreeWithTheirFields) {
   using Route = OrxCinemaAdmissionRoute;
   using Reason = OrxCinemaAdmissionReason;
-  const auto metalFX = OrxCinemaAdmissionDecision::metalFXOnly();
   struct Case {
     const char* name;
     Record record;
@@ -149,12 +187,14 @@ TEST(OrxPolicyDecisions, CinemaAcceptsOnlyRoutesThatAgreeWithTheirFields) {
       {"unknown reason", {emits, 5401, 0, 0, 272, 7, 0}, metalFX},
       {"unknown route", {emits, 5401, 5, 0, 272, 0, 5}, metalFX},
       {"wrong tag", {emits, 5301, 1, 0, 272, 0, 1}, metalFX},
+      {"four values", {emitsFour, 5401, 1, 0, 272, 0, 1}, metalFX},
+      {"six values", {emitsSix, 5401, 1, 0, 272, 0, 1}, metalFX},
       {"trap", {traps, 5401, 1, 0, 272, 0, 1}, metalFX},
   };
   OrxPolicyDecider decider(puppetModules());
   CapturedLog log;
   for (const auto& c : cases) EXPECT_EQ(decider.decideCinemaAdmission(cinemaFacts(c.record)), c.expected) << c.name;
-  EXPECT_EQ(decider.failureCount(), 11u);
+  EXPECT_EQ(decider.failureCount(), 13u);
   EXPECT_EQ(log.lines().at(0), "error: ORX Cinema admission trapped; retaining MetalFX: RuntimeError: unreachable executed");
 }
 
@@ -166,7 +206,7 @@ TEST(OrxPolicyDecisions, CinemaRefusesADecideThatReturnsNothingEvenWithAGoodReco
   OrxPolicyModules modules;
   modules.cinemaAdmission = LoadedModule::instantiate("void", assembleWat(wat));
   OrxPolicyDecider decider(std::move(modules));
-  EXPECT_EQ(decider.decideCinemaAdmission({}), OrxCinemaAdmissionDecision::metalFXOnly());
+  EXPECT_EQ(decider.decideCinemaAdmission({}), metalFX);
   EXPECT_EQ(decider.failureCount(), 1u);
 }
 
@@ -174,8 +214,8 @@ TEST(OrxPolicyDecisions, WithoutModulesEveryDecisionIsTheCountedFailSafe) {
   OrxPolicyDecider decider(OrxPolicyModules{});
   EXPECT_EQ(decider.statusDescription(), "ORX unavailable \u00B7 native safe mode");
   EXPECT_EQ(decider.authorize({}), unavailable);
-  EXPECT_EQ(decider.correctSync({}), OrxSyncDecision::hold());
-  EXPECT_EQ(decider.decideCinemaAdmission({}), OrxCinemaAdmissionDecision::metalFXOnly());
+  EXPECT_EQ(decider.correctSync({}), hold);
+  EXPECT_EQ(decider.decideCinemaAdmission({}), metalFX);
   EXPECT_EQ(decider.failureCount(), 3u);
 }
 

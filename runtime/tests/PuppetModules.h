@@ -6,6 +6,7 @@
 //   2 traps (unreachable)
 //   3 emits [0, 0, 0, 0, 0] first, then the record of mode 0 (only the last emit counts)
 //   4 emits only [a2, a3, a4, a5] and returns a7
+//   5 emits [a2, a3, a4, a5, a6, a7] (one value too many) and returns a7
 
 #include <memory>
 #include <string>
@@ -20,12 +21,15 @@ inline std::unique_ptr<LoadedModule> puppetModule(int arity) {
   const std::string wat = R"wat((module
   (import "output" "emit" (func $emit5 (param i32 i32 i32 i32 i32) (result i32)))
   (import "output" "emit" (func $emit4 (param i32 i32 i32 i32) (result i32)))
+  (import "output" "emit" (func $emit6 (param i32 i32 i32 i32 i32 i32) (result i32)))
   (func (export "decide") (param)wat" + params + R"wat() (result i32)
     (if (i32.eq (local.get 0) (i32.const 2)) (then unreachable))
     (if (i32.eq (local.get 0) (i32.const 3))
       (then (drop (call $emit5 (i32.const 0) (i32.const 0) (i32.const 0) (i32.const 0) (i32.const 0)))))
     (if (i32.eq (local.get 0) (i32.const 4))
       (then (drop (call $emit4 (local.get 2) (local.get 3) (local.get 4) (local.get 5)))))
+    (if (i32.eq (local.get 0) (i32.const 5))
+      (then (drop (call $emit6 (local.get 2) (local.get 3) (local.get 4) (local.get 5) (local.get 6) (local.get 7)))))
     (if (i32.or (i32.eqz (local.get 0)) (i32.eq (local.get 0) (i32.const 3)))
       (then (drop (call $emit5 (local.get 2) (local.get 3) (local.get 4) (local.get 5) (local.get 6)))))
     (local.get 7))))wat";

@@ -44,6 +44,19 @@ TEST(RavoORXPolicyVerifier, DrawsTheAuthorizationFactsFromCandidateAndGrant) {
     return RavoORXShadowCandidate(c.generation(), c.proposalDigest(), c.canonicalInput(), c.intent(),
                                   c.proposalDigest());
   };
+  // A hand-built candidate whose source is not the gate's: the module sees an unpaired role.
+  auto fromSource = [](std::int32_t sourceClass) {
+    auto c = candidate(RavoORXEffect::transport, 10);
+    const ORXDecisionIntent& i = c.intent();
+    ORXDecisionIntent intent(i.budgets(), i.deadline(), i.effectType(), i.generation(), i.provenance(),
+                             i.requiredCapabilities(),
+                             {ORXArgument("action_code", ORXTypedValue::i32(10)),
+                              ORXArgument("source_class",
+                                          ORXTypedValue::enumeration(ORXEnumValue(sourceClass, "orx.host::SourceClass")))},
+                             i.requestedScope());
+    const ORXDigest digest = intent.digest();
+    return RavoORXShadowCandidate(c.generation(), c.proposalDigest(), c.canonicalInput(), std::move(intent), digest);
+  };
   struct Case {
     const char* name;
     RavoORXShadowCandidate candidate;
@@ -64,6 +77,9 @@ TEST(RavoORXPolicyVerifier, DrawsTheAuthorizationFactsFromCandidateAndGrant) {
       {"volume", candidate(RavoORXEffect::volume, 14), grant({}, -1s), AuthorizationFacts{2, 4, 0, 0, -1'000, 0, 1, 1}},
       {"navigation", candidate(RavoORXEffect::navigate, 24), grant({navigate()}, 60s, std::int64_t{1} << 40),
        AuthorizationFacts{2, 6, 32, 0, 60'000, 0, 2'147'483'647, 1}},
+      {"source class 1", fromSource(1), grant({transport}), AuthorizationFacts{0, 2, 1 | 4, 0, 60'000, 0, 1, 1}},
+      {"source class 3", fromSource(3), grant({transport}), AuthorizationFacts{0, 2, 1 | 4, 0, 60'000, 0, 1, 1}},
+      {"source class 2 by hand", fromSource(2), grant({transport}), AuthorizationFacts{2, 2, 1 | 4, 0, 60'000, 0, 1, 1}},
       {"unknown transport code", candidate(RavoORXEffect::transport, 14), grant({transport}), std::nullopt},
       {"unknown navigation code", candidate(RavoORXEffect::navigate, 25), grant({navigate()}), std::nullopt},
       {"effect without a command", candidate(RavoORXEffect::mediaPlay, 10), grant({transport}), std::nullopt},

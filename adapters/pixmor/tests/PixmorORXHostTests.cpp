@@ -117,7 +117,7 @@ TEST(PixmorORXHost, AcceptsOnlyAnswersThatFitTheRequest) {
       {"ill-formed UTF-8", [](RavoJSON) { return std::string("{\"schema\":\"\xC3\x28\"}"); }, Outcome::fallback},
       {"number past double", [](RavoJSON) { return std::string(R"({"schema":1e999})"); }, Outcome::fallback},
       {"deep nesting", [](RavoJSON) { return std::string(200000, '[') + std::string(200000, ']'); }, Outcome::fallback},
-      {"huge", [](RavoJSON j) { return j.dump() + std::string(PixmorORXResponse::maximumJSONTextBytes, ' '); }, Outcome::fallback},
+      {"huge", [](RavoJSON j) { return j.dump() + std::string(1 << 20, ' '); }, Outcome::fallback},
   };
   for (const auto& c : cases) {
     const std::string answer = c.answer(validAnswer(request));
@@ -220,7 +220,8 @@ TEST(PixmorORXHost, TimeoutsAreAtLeastOneMillisecondAndClampedToSixtyFourBits) {
   const auto request = makeRequest("warm");
   const std::string answer = validAnswer(request).dump();
   const auto transport = std::make_shared<ScriptedTransport>([&](const auto&) { return answer; });
-  constexpr std::uint64_t maximum = PixmorORXHost::maximumTimeoutMilliseconds;
+  // The largest count of milliseconds whose nanoseconds fit in 64 bits: floor((2^64 - 1) / 10^6).
+  constexpr std::uint64_t maximum = 18'446'744'073'709;
   const std::pair<std::uint64_t, std::uint64_t> cases[] = {
       {0, 1'000'000}, {1, 1'000'000}, {250, 250'000'000}, {maximum, maximum * 1'000'000},
       {maximum + 1, maximum * 1'000'000}, {UINT64_MAX, maximum * 1'000'000},

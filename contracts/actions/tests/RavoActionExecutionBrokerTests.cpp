@@ -16,10 +16,11 @@ using Level = RavoActionGateLevel;
 // Actions without a stable target that exercise the safeguard and the gate requirement.
 RavoApplicationActionManifest testManifest() {
   auto action = [](const char* id, RavoScenarioRiskClass risk, RavoScenarioConfirmationPolicy confirmation,
-                   RavoActionGateRequirement gate) {
+                   RavoActionGateRequirement gate,
+                   std::vector<RavoScenarioCapability> capabilities = {RavoScenarioCapability("ravo.ui.navigate")}) {
     return RavoApplicationActionDescriptor({.id = RavoApplicationActionID(id),
                                             .applicationID = RavoApplicationID("ravo.test"),
-                                            .requestedCapabilities = {RavoScenarioCapability("ravo.ui.navigate")},
+                                            .requestedCapabilities = std::move(capabilities),
                                             .risk = risk,
                                             .confirmation = confirmation,
                                             .minimumGate = gate});
@@ -32,7 +33,9 @@ RavoApplicationActionManifest testManifest() {
       {action("ravo.test.medium", Risk::medium, Policy::none, Gate::hostGrant),
        action("ravo.test.high", Risk::high, Policy::none, Gate::hostGrant),
        action("ravo.test.verified", Risk::none, Policy::none, Gate::orxVerified),
-       action("ravo.test.confirmed", Risk::low, Policy::perExecution, Gate::hostGrant)});
+       action("ravo.test.confirmed", Risk::low, Policy::perExecution, Gate::hostGrant),
+       action("ravo.test.two", Risk::none, Policy::none, Gate::hostGrant,
+              {RavoScenarioCapability("ravo.ui.navigate"), RavoScenarioCapability::mediaTransport()})});
 }
 
 enum class GateMode { host, verified, deny, throws };
@@ -95,6 +98,11 @@ TEST(RavoActionExecutionBroker, AnswersEveryProposalWithTheReceiptOfTheFirstFail
       {.name = "capability not granted", .action = "ravo.player.volume.set", .arguments = volume(0.3),
        .changeGrant = [](auto& g) { g.allowedCapabilities = {RavoScenarioCapability::mediaTransport()}; },
        .reason = "broker.grant_scope_mismatch", .consumesUse = false},
+      {.name = "both capabilities granted", .action = "ravo.test.two", .target = std::nullopt,
+       .outcome = Outcome::completed, .reason = "handler.done", .level = Level::hostGrant},
+      {.name = "one of two capabilities granted", .action = "ravo.test.two", .target = std::nullopt,
+       .changeGrant = [](auto& g) { g.allowedCapabilities = {RavoScenarioCapability("ravo.ui.navigate")}; },
+       .reason = "broker.grant_scope_mismatch", .consumesUse = false},
       {.name = "target not granted", .target = "t2", .reason = "broker.target_out_of_scope", .consumesUse = false},
       {.name = "stale confirmation generation", .confirmation = GivenConfirmation{"ravo.player.pause", "t1", 2},
        .reason = "broker.stale_confirmation", .consumesUse = false},
@@ -104,6 +112,16 @@ TEST(RavoActionExecutionBroker, AnswersEveryProposalWithTheReceiptOfTheFirstFail
       {.name = "gate throws", .gate = GateMode::throws, .reason = "gate.failed"},
       {.name = "model needs verification", .origin = Origin::appleIntelligence,
        .reason = "broker.orx_verification_required:host.grant.checked", .level = Level::hostGrant},
+      {.name = "Kolto needs verification", .origin = Origin::kolto,
+       .reason = "broker.orx_verification_required:host.grant.checked", .level = Level::hostGrant},
+      {.name = "external model needs verification", .origin = Origin::externalModel,
+       .reason = "broker.orx_verification_required:host.grant.checked", .level = Level::hostGrant},
+      {.name = "MCP needs verification", .origin = Origin::mcp,
+       .reason = "broker.orx_verification_required:host.grant.checked", .level = Level::hostGrant},
+      {.name = "router completes at host level", .origin = Origin::deterministicRouter, .outcome = Outcome::completed,
+       .reason = "handler.done", .level = Level::hostGrant},
+      {.name = "app intent completes at host level", .origin = Origin::appIntent, .outcome = Outcome::completed,
+       .reason = "handler.done", .level = Level::hostGrant},
       {.name = "verified model", .origin = Origin::mcp, .gate = GateMode::verified, .outcome = Outcome::completed,
        .reason = "handler.done", .level = Level::orxVerified},
       {.name = "action needs verification", .action = "ravo.test.verified", .target = std::nullopt,
@@ -186,7 +204,7 @@ TEST(RavoActionExecutionBroker, SetUpRefusesConflictsUnknownActionsAndInvalidGra
   auto broker = makeBroker({testManifest()});
   broker->install(player);
   broker->install(player);  // an equal declaration is accepted again
-  EXPECT_EQ(broker->installedActions().size(), 14u);
+  EXPECT_EQ(broker->installedActions().size(), 15u);
 
   // A changed declaration stops the installation at that action; the actions before it stay installed.
   auto changed = RavoApplicationActionDescriptor({.id = RavoApplicationActionID("ravo.test.medium"),
@@ -196,7 +214,7 @@ TEST(RavoActionExecutionBroker, SetUpRefusesConflictsUnknownActionsAndInvalidGra
   expectCode(Code::duplicateAction, [&] {
     broker->install(RavoApplicationActionManifest(RavoApplicationID("ravo.test"), "Test", "2.0.0", {changed, fresh, late}));
   });
-  EXPECT_EQ(broker->installedActions().size(), 15u);
+  EXPECT_EQ(broker->installedActions().size(), 16u);
   EXPECT_EQ(broker->installedActions().front().id().rawValue(), "ravo.player.next");
 
   expectCode(Code::unknownAction, [&] {

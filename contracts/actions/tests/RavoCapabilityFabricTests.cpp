@@ -53,7 +53,21 @@ TEST(RavoCapabilityFabric, CapsTheShortlistAtTwentyFour) {
                                                               .applicationID = RavoApplicationID("ravo.bulk")});
   }
   RavoCapabilityFabric fabric({RavoApplicationActionManifest(RavoApplicationID("ravo.bulk"), "Bulk", "1", many)});
-  EXPECT_EQ(fabric.shortlist("x", 100).size(), RavoCapabilityFabric::maximumShortlist);
+  EXPECT_EQ(fabric.shortlist("x", 100).size(), 24u);
+}
+
+// A blank title, category or term says nothing about a query: the blank action ranks by id like any
+// other action that scores nothing.
+TEST(RavoCapabilityFabric, BlankTextsMatchNoQuery) {
+  auto action = [](const char* id, const char* title, const char* category) {
+    return RavoApplicationActionDescriptor(RavoApplicationActionDescriptor::Fields{
+        .id = RavoApplicationActionID(id), .applicationID = RavoApplicationID("ravo.bulk"), .title = title,
+        .category = category});
+  };
+  RavoCapabilityFabric fabric({RavoApplicationActionManifest(
+      RavoApplicationID("ravo.bulk"), "Bulk", "1",
+      {action("ravo.bulk.a", "Dim lights", "lights"), action("ravo.bulk.b", "", ""), action("ravo.bulk.c", "Fan", "")})});
+  EXPECT_EQ(ids(fabric.shortlist("kettle", 3)), (std::vector<std::string>{"ravo.bulk.a", "ravo.bulk.b", "ravo.bulk.c"}));
 }
 
 TEST(RavoCapabilityFabric, ChecksManifestsForConsistency) {

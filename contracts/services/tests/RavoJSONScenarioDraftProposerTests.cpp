@@ -62,8 +62,8 @@ TEST(RavoJSONScenarioDraftProposer, RefusesMalformedAnswers) {
            "unresolvedQuestions": "Which lamp?"})",
        "model answer.unresolvedQuestions: expected an array"},
       {"```json\n{\"title\": 1}", "malformed JSON"},
-      {"{}" + std::string(RavoJSONScenarioDraftProposer::maximumAnswerBytes - 2, ' '), "model answer.title: missing key"},
-      {"{}" + std::string(RavoJSONScenarioDraftProposer::maximumAnswerBytes - 1, ' '),
+      {"{}" + std::string(1048574, ' '), "model answer.title: missing key"},
+      {"{}" + std::string(1048575, ' '),
        "model answer: answer of 1048577 bytes exceeds the limit of 1048576"},
   };
   for (const auto& c : cases) {

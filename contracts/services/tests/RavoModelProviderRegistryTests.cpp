@@ -86,6 +86,7 @@ TEST(RavoModelProviderRecord, EligibilityDependsOnStateTransportAndCredentials) 
       {Descriptor::openAICompatibleCloud(), State::eligible, false, true, Error::localOnlyViolation()},
       {Descriptor::openAICompatibleCloud(), State::eligible, false, false, Error::missingAuthentication()},
       {Descriptor::ollamaLoopback(), State::eligible, false, true, {}},
+      {Descriptor::appleFoundationModels(), State::eligible, false, true, {}},
       {Descriptor::appleFoundationModels(), State::revoked, true, false, Error::unavailable()},
       {Descriptor::appleFoundationModels(), State::revoked, true, true, Error::unavailable()},
       {Descriptor::appleFoundationModels(), State::failed, false, true, Error::unavailable()},

@@ -145,6 +145,7 @@ TEST(RavoOrxTool, Decide) {
       {{"decide", "authz", "--facts", "-"}, "[1]", refused("facts: expected a JSON object keyed by the fact names")},
       {{"decide", "authz", "--facts", "-", "1"}, "", misused("decide", "unexpected argument \"1\"")},
       {{"decide", "authz", "1", "2", "3"}, "", misused("decide", "authz takes 8 facts, got 3")},
+      {with(plays, {"9"}), "", misused("decide", "authz takes 8 facts, got 9")},
       {{"decide", "sync", "1.5"}, "", misused("decide", "fact 1" + factRange + "\"1.5\"")},
       {{"decide", "sync", "0", "2147483648"}, "", misused("decide", "fact 2" + factRange + "\"2147483648\"")},
       {{"decide", "play"}, "", misused("decide", "unknown decision \"play\"; expected authz, sync or cinema")},
