@@ -78,66 +78,73 @@ std::string OrxPolicyDecider::executionTiers() const {
 }
 
 template <class Decision>
-Decision OrxPolicyDecider::fail(Decision failSafe) {
+OrxSourcedDecision<Decision> OrxPolicyDecider::fail(Decision failSafe, OrxDecisionSource source) {
   ++runtimeFailureCount_;
-  return failSafe;
+  return {failSafe, source};
 }
 
-OrxAuthorizationDecision OrxPolicyDecider::authorize(const AuthorizationFacts& facts) {
+OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyDecider::authorizeWithSource(const AuthorizationFacts& facts) {
   std::lock_guard guard(lock_);
-  if (!modules_.authorization) return fail(OrxAuthorizationDecision::runtimeUnavailable());
+  if (!modules_.authorization) {
+    return fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::moduleUnavailable);
+  }
   const auto arguments = facts.arguments();
   const OrxInvocation call = modules_.authorization->invoke(arguments);
   const std::int32_t result = call.result.value_or(0);
   if (call.error) {
     logTrap("ORX authorization trapped; denying command: ", call);
-    return fail(OrxAuthorizationDecision::runtimeUnavailable());
+    return fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::trap);
   }
   const auto* record = taggedRecord(call, kAuthorizationTag, result);
   if (!record || (result != 0 && result != 1) || (*record)[2] != facts.command) {
-    return fail(OrxAuthorizationDecision::invalid());
+    return fail(OrxAuthorizationDecision::invalid(), OrxDecisionSource::invalidOutput);
   }
   const auto reason = orxAuthorizationReason((*record)[3]);
   const std::int32_t policyVersion = (*record)[4];
-  if (!reason || policyVersion < 1 || policyVersion > kMaxPolicyVersion) return fail(OrxAuthorizationDecision::invalid());
-  return {result == 1, *reason, policyVersion};
+  if (!reason || policyVersion < 1 || policyVersion > kMaxPolicyVersion) {
+    return fail(OrxAuthorizationDecision::invalid(), OrxDecisionSource::invalidOutput);
+  }
+  return {{result == 1, *reason, policyVersion}, OrxDecisionSource::policy};
 }
 
-OrxSyncDecision OrxPolicyDecider::correctSync(const SyncFacts& facts) {
+OrxSourcedDecision<OrxSyncDecision> OrxPolicyDecider::correctSyncWithSource(const SyncFacts& facts) {
   std::lock_guard guard(lock_);
-  if (!modules_.sync) return fail(OrxSyncDecision::hold());
+  if (!modules_.sync) return fail(OrxSyncDecision::hold(), OrxDecisionSource::moduleUnavailable);
   const auto arguments = facts.arguments();
   const OrxInvocation call = modules_.sync->invoke(arguments);
   const std::int32_t result = call.result.value_or(0);
   if (call.error) {
     logTrap("ORX sync correction trapped; holding: ", call);
-    return fail(OrxSyncDecision::hold());
+    return fail(OrxSyncDecision::hold(), OrxDecisionSource::trap);
   }
   const auto action = orxSyncAction(result);
   const auto* record = taggedRecord(call, kSyncTag, result);
   if (!action || !record || !isValidHostSyncOutput(*action, (*record)[2], (*record)[3], (*record)[4])) {
-    return fail(OrxSyncDecision::hold());
+    return fail(OrxSyncDecision::hold(), OrxDecisionSource::invalidOutput);
   }
-  return {*action, (*record)[2], (*record)[3], (*record)[4]};
+  return {{*action, (*record)[2], (*record)[3], (*record)[4]}, OrxDecisionSource::policy};
 }
 
-OrxCinemaAdmissionDecision OrxPolicyDecider::decideCinemaAdmission(const CinemaAdmissionFacts& facts) {
+OrxSourcedDecision<OrxCinemaAdmissionDecision> OrxPolicyDecider::decideCinemaAdmissionWithSource(
+    const CinemaAdmissionFacts& facts) {
   std::lock_guard guard(lock_);
-  if (!modules_.cinemaAdmission) return fail(OrxCinemaAdmissionDecision::metalFXOnly());
+  if (!modules_.cinemaAdmission) {
+    return fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::moduleUnavailable);
+  }
   const auto arguments = facts.arguments();
   const OrxInvocation call = modules_.cinemaAdmission->invoke(arguments);
   const std::int32_t result = call.result.value_or(-1);
   if (call.error) {
     logTrap("ORX Cinema admission trapped; retaining MetalFX: ", call);
-    return fail(OrxCinemaAdmissionDecision::metalFXOnly());
+    return fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::trap);
   }
   const auto route = orxCinemaAdmissionRoute(result);
   const auto* record = taggedRecord(call, kCinemaTag, result);
   const auto reason = record ? orxCinemaAdmissionReason((*record)[4]) : std::nullopt;
   if (!route || !reason || !isValidCinemaAdmissionOutput(*route, (*record)[2], (*record)[3], *reason)) {
-    return fail(OrxCinemaAdmissionDecision::metalFXOnly());
+    return fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::invalidOutput);
   }
-  return {*route, (*record)[2], (*record)[3], *reason};
+  return {{*route, (*record)[2], (*record)[3], *reason}, OrxDecisionSource::policy};
 }
 
 bool OrxPolicyDecider::isValidHostSyncOutput(OrxSyncAction action, std::int32_t rateX1000,

@@ -1,7 +1,8 @@
 #pragma once
 // Takes the three decisions with whatever modules it was given: packs the facts, calls `decide`,
 // accepts an answer only when the emitted record repeats it under the module's tag with every field in
-// range, and otherwise returns the fail-safe decision and counts the failure. One non-recursive lock is
+// range, and otherwise returns the fail-safe decision and counts the failure. The ...WithSource calls
+// also say whether the answer is the module's or which fail-safe path produced it. One non-recursive lock is
 // held for the whole of each decision, so no two calls share an engine instance and no call observes
 // another's emitted values. Never throws.
 //
@@ -35,9 +36,15 @@ class OrxPolicyDecider {
   std::string executionTiers() const;
   std::uint64_t failureCount() const;
 
-  OrxAuthorizationDecision authorize(const AuthorizationFacts& facts);
-  OrxSyncDecision correctSync(const SyncFacts& facts);
-  OrxCinemaAdmissionDecision decideCinemaAdmission(const CinemaAdmissionFacts& facts);
+  OrxAuthorizationDecision authorize(const AuthorizationFacts& facts) { return authorizeWithSource(facts).decision; }
+  OrxSyncDecision correctSync(const SyncFacts& facts) { return correctSyncWithSource(facts).decision; }
+  OrxCinemaAdmissionDecision decideCinemaAdmission(const CinemaAdmissionFacts& facts) {
+    return decideCinemaAdmissionWithSource(facts).decision;
+  }
+
+  OrxSourcedDecision<OrxAuthorizationDecision> authorizeWithSource(const AuthorizationFacts& facts);
+  OrxSourcedDecision<OrxSyncDecision> correctSyncWithSource(const SyncFacts& facts);
+  OrxSourcedDecision<OrxCinemaAdmissionDecision> decideCinemaAdmissionWithSource(const CinemaAdmissionFacts& facts);
 
   static bool isValidHostSyncOutput(OrxSyncAction action, std::int32_t rateX1000, std::int32_t correctionMilliseconds,
                                     std::int32_t reason);
@@ -46,7 +53,7 @@ class OrxPolicyDecider {
 
  private:
   template <class Decision>
-  Decision fail(Decision failSafe);  // caller holds lock_
+  OrxSourcedDecision<Decision> fail(Decision failSafe, OrxDecisionSource source);  // caller holds lock_
 
   mutable std::mutex lock_;
   OrxPolicyModules modules_;

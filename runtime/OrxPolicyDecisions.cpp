@@ -79,3 +79,14 @@ std::string_view orxCaseName(OrxCinemaAdmissionReason value) {
   }
   return {};
 }
+
+std::string_view orxCaseName(OrxDecisionSource value) {
+  using S = OrxDecisionSource;
+  switch (value) {
+    case S::policy: return "policy";
+    case S::moduleUnavailable: return "moduleUnavailable";
+    case S::trap: return "trap";
+    case S::invalidOutput: return "invalidOutput";
+  }
+  return {};
+}

@@ -51,6 +51,13 @@ std::string_view orxCaseName(OrxSyncAction value);
 std::string_view orxCaseName(OrxCinemaAdmissionRoute value);
 std::string_view orxCaseName(OrxCinemaAdmissionReason value);
 
+// Where a decision came from: the module's validated answer, or the fail-safe decision taken because
+// the module was not loaded, trapped, or emitted an answer that failed validation.
+enum class OrxDecisionSource : std::uint8_t { policy, moduleUnavailable, trap, invalidOutput };
+
+// "policy", "moduleUnavailable", "trap" or "invalidOutput".
+std::string_view orxCaseName(OrxDecisionSource value);
+
 template <class E>
 constexpr std::int32_t rawValue(E value) {
   return static_cast<std::int32_t>(value);
@@ -88,4 +95,14 @@ struct OrxCinemaAdmissionDecision {
     return {OrxCinemaAdmissionRoute::metalFXOnly, 0, 0, OrxCinemaAdmissionReason::invalidFacts};
   }
   friend bool operator==(const OrxCinemaAdmissionDecision&, const OrxCinemaAdmissionDecision&) = default;
+};
+
+// A decision with its source, so a fail-safe answer can be told from the module's own without comparing
+// failure counts around the call.
+template <class Decision>
+struct OrxSourcedDecision {
+  Decision decision;
+  OrxDecisionSource source;
+
+  friend bool operator==(const OrxSourcedDecision&, const OrxSourcedDecision&) = default;
 };

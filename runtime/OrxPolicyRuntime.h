@@ -30,6 +30,17 @@ class OrxPolicyRuntime {
     return decider_.decideCinemaAdmission(facts);
   }
 
+  // The same decisions with their source: "policy" or the fail-safe path taken (see OrxDecisionSource).
+  OrxSourcedDecision<OrxAuthorizationDecision> authorizeWithSource(const AuthorizationFacts& facts) {
+    return decider_.authorizeWithSource(facts);
+  }
+  OrxSourcedDecision<OrxSyncDecision> correctSyncWithSource(const SyncFacts& facts) {
+    return decider_.correctSyncWithSource(facts);
+  }
+  OrxSourcedDecision<OrxCinemaAdmissionDecision> decideCinemaAdmissionWithSource(const CinemaAdmissionFacts& facts) {
+    return decider_.decideCinemaAdmissionWithSource(facts);
+  }
+
   static bool isValidHostSyncOutput(OrxSyncAction action, std::int32_t rateX1000, std::int32_t correctionMilliseconds,
                                     std::int32_t reason) {
     return OrxPolicyDecider::isValidHostSyncOutput(action, rateX1000, correctionMilliseconds, reason);

@@ -46,4 +46,56 @@ TEST(OrxPolicyRuntimeConcurrency, EightThreadsGetCorrectAnswersAndAnExactFailure
   EXPECT_EQ(puppets.failureCount(), static_cast<std::uint64_t>(kThreads * kRounds));
 }
 
+// Comparing failureCount() around a call cannot tell whose call failed once threads share a runtime; the
+// source returned with each decision can.
+TEST(OrxPolicyRuntimeConcurrency, EightThreadsEachGetTheSourceOfTheirOwnDecision) {
+  using Source = OrxDecisionSource;
+  setOrxLogSink([](OrxLogLevel, std::string_view) {});
+  OrxPolicyDecider puppets(puppetModules());
+  OrxPolicyRuntime unloaded(std::filesystem::path("/nonexistent/artifacts"));
+
+  constexpr int kThreads = 8;
+  constexpr int kRounds = 200;
+  std::vector<int> wrong(kThreads, 0);
+  {
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+      threads.emplace_back([&, t] {
+        auto expect = [&](Source actual, Source expected) { wrong[t] += actual != expected; };
+        for (int i = 0; i < kRounds; ++i) {
+          // Threads start at different paths, so neighbours interleave different outcomes.
+          switch ((t + i) % 4) {
+            case 0:
+              expect(puppets.authorizeWithSource(kAllowedAuthorization).source, Source::policy);
+              expect(puppets.correctSyncWithSource(kNudgeSync).source, Source::policy);
+              expect(puppets.decideCinemaAdmissionWithSource(kFullFrameCinema).source, Source::policy);
+              break;
+            case 1:
+              expect(puppets.authorizeWithSource(kTrappingAuthorization).source, Source::trap);
+              expect(puppets.correctSyncWithSource(kTrappingSync).source, Source::trap);
+              expect(puppets.decideCinemaAdmissionWithSource(kTrappingCinema).source, Source::trap);
+              break;
+            case 2:
+              expect(puppets.authorizeWithSource(kUnechoedAuthorization).source, Source::invalidOutput);
+              expect(puppets.correctSyncWithSource(kOutOfBandSync).source, Source::invalidOutput);
+              expect(puppets.decideCinemaAdmissionWithSource(kLiveSafeMetalFXCinema).source, Source::invalidOutput);
+              break;
+            case 3:
+              expect(unloaded.authorizeWithSource(kAllowedAuthorization).source, Source::moduleUnavailable);
+              expect(unloaded.correctSyncWithSource(kNudgeSync).source, Source::moduleUnavailable);
+              expect(unloaded.decideCinemaAdmissionWithSource(kFullFrameCinema).source, Source::moduleUnavailable);
+              break;
+          }
+        }
+      });
+    }
+  }
+  setOrxLogSink({});
+  for (int t = 0; t < kThreads; ++t) EXPECT_EQ(wrong[t], 0) << "thread " << t;
+  // A quarter of all rounds took each path; traps and invalid outputs count on the puppets.
+  constexpr std::uint64_t kRoundsPerPath = kThreads * kRounds / 4;
+  EXPECT_EQ(puppets.failureCount(), 2 * 3 * kRoundsPerPath);
+  EXPECT_EQ(unloaded.failureCount(), 3 * kRoundsPerPath);
+}
+
 }  // namespace

@@ -33,3 +33,15 @@ inline std::unique_ptr<LoadedModule> puppetModule(int arity) {
 }
 
 inline OrxPolicyModules puppetModules() { return {puppetModule(8), puppetModule(8), puppetModule(13)}; }
+
+// Facts that script one answer of each kind from the puppets: a valid answer, a trap, and an answer that
+// fails validation (an unechoed command, a rate outside the band, MetalFX claiming to be live-safe).
+constexpr AuthorizationFacts kAllowedAuthorization{0, 6, 5201, 1, 6, 0, 3, 1};
+constexpr AuthorizationFacts kTrappingAuthorization{2, 6, 5201, 1, 6, 0, 3, 1};
+constexpr AuthorizationFacts kUnechoedAuthorization{0, 6, 5201, 1, 7, 0, 3, 1};
+constexpr SyncFacts kNudgeSync{0, 0, 5301, 1, 967, 0, 3, 1};
+constexpr SyncFacts kTrappingSync{2, 0, 5301, 1, 967, 0, 3, 1};
+constexpr SyncFacts kOutOfBandSync{0, 0, 5301, 1, 949, 0, 3, 1};
+constexpr CinemaAdmissionFacts kFullFrameCinema{0, 0, 5401, 1, 0, 272, 0, 1, 0, 0, 0, 0, 0};
+constexpr CinemaAdmissionFacts kTrappingCinema{2, 0, 5401, 1, 0, 272, 0, 1, 0, 0, 0, 0, 0};
+constexpr CinemaAdmissionFacts kLiveSafeMetalFXCinema{0, 0, 5401, 0, 0, 272, 0, 0, 0, 0, 0, 0, 0};
