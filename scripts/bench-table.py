@@ -136,7 +136,7 @@ def main():
           "policy_decision_bench medians of 5")
     header = ("measure", "ours", "reference", "ratio", "goal")
     widths = [max(len(str(r[i])) if i != 3 else 6 for r in rows + [header]) for i in range(5)]
-    print("  ".join(h.ljust(w) for h, w in zip(header, widths)))
+    print("  ".join([header[0].ljust(widths[0])] + [h.rjust(w) for h, w in zip(header[1:4], widths[1:4])] + [header[4]]))
     for what, ours, reference, ratio, goal in rows:
         print("  ".join([what.ljust(widths[0]), ours.rjust(widths[1]), reference.rjust(widths[2]),
                          f"{ratio:.2f}".rjust(widths[3]), goal]))
