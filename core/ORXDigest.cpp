@@ -10,9 +10,6 @@ namespace {
 
 constexpr std::string_view kPrefix = "sha256:";
 
-std::string prefixed(const ORXSHA256::Digest& hash) { return std::string(kPrefix) + ORXSHA256::toHex(hash); }
-
-
 }  // namespace
 
 ORXDigest::ORXDigest(std::string text) : value_(std::move(text)) {
@@ -24,9 +21,13 @@ ORXDigest::ORXDigest(std::string text) : value_(std::move(text)) {
   }
 }
 
-ORXDigest ORXDigest::raw(std::span<const std::uint8_t> data) { return ORXDigest(Verified{}, prefixed(ORXSHA256::hash(data))); }
+ORXDigest ORXDigest::raw(std::span<const std::uint8_t> data) { return ofHash(ORXSHA256::hash(data)); }
 
-ORXDigest ORXDigest::raw(std::string_view data) { return ORXDigest(Verified{}, prefixed(ORXSHA256::hash(data))); }
+ORXDigest ORXDigest::raw(std::string_view data) { return ofHash(ORXSHA256::hash(data)); }
+
+ORXDigest ORXDigest::ofHash(const ORXSHA256::Digest& hash) {
+  return ORXDigest(Verified{}, std::string(kPrefix) + ORXSHA256::toHex(hash));
+}
 
 ORXDigest ORXDigest::domain(std::string_view tag, const ORXCanonicalValue& value) {
   // The canonical text reaches the hash in chunks: a record is hashed without its text ever held whole.
@@ -36,7 +37,7 @@ ORXDigest ORXDigest::domain(std::string_view tag, const ORXCanonicalValue& value
   out.push_back('\0');
   ORXCanonicalTextOutput::appendValue(out, value);
   out.finish();
-  return ORXDigest(Verified{}, prefixed(hash.finalize()));
+  return ofHash(hash.finalize());
 }
 
 ORXDigest ORXDigest::domain(ORXDigestDomain domain, const ORXCanonicalValue& value) {

@@ -12,6 +12,7 @@
 #include "core/ORXCanonicalValue.h"
 #include "core/ORXDigestDomain.h"
 #include "core/ORXError.h"
+#include "core/ORXSHA256.h"
 
 class ORXDigest {
  public:
@@ -21,6 +22,8 @@ class ORXDigest {
   // The untagged digest of arbitrary bytes.
   static ORXDigest raw(std::span<const std::uint8_t> data);
   static ORXDigest raw(std::string_view data);
+  // The untagged digest of bytes hashed elsewhere, e.g. streamed through an ORXSHA256.
+  static ORXDigest ofHash(const ORXSHA256::Digest& hash);
   // SHA-256 over the tag's UTF-8 bytes, one zero byte and the value's canonical bytes. The tag is
   // taken as given; records pass their own ORXDigestDomain.
   static ORXDigest domain(std::string_view tag, const ORXCanonicalValue& value);

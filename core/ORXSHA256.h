@@ -4,6 +4,11 @@
 //
 // One-shot: ORXSHA256::hash(bytes) or ORXSHA256::hex(bytes). Streaming: construct, update() any
 // number of times, then finalize(), which also resets the hasher for a new message.
+//
+// Whole 64-byte blocks are compressed by the CPU's SHA instructions when it has them (SHA-NI on
+// x86-64, found with cpuid at run time; the ARMv8 SHA2 extension when the build targets it) and by the
+// portable code otherwise. The portable code is also the reference the instructions are tested
+// against; a hasher constructed with Engine::portable uses it whatever the CPU offers.
 
 #include <array>
 #include <cstddef>
@@ -15,8 +20,12 @@
 class ORXSHA256 {
  public:
   using Digest = std::array<std::uint8_t, 32>;
+  enum class Engine { portable, cpuInstructions };
 
-  ORXSHA256() { reset(); }
+  // Engine::cpuInstructions falls back to the portable code on a CPU without them.
+  explicit ORXSHA256(Engine engine = Engine::cpuInstructions);
+
+  static bool cpuInstructionsAvailable();
 
   void update(std::span<const std::uint8_t> data);
   void update(std::string_view data);
@@ -31,9 +40,11 @@ class ORXSHA256 {
   static std::string toHex(const Digest& digest);
 
  private:
-  void reset();
-  void compress(const std::uint8_t* block);
+  using CompressBlocks = void (*)(std::uint32_t* state, const std::uint8_t* blocks, std::size_t count);
 
+  void reset();
+
+  CompressBlocks compressBlocks_;
   std::array<std::uint32_t, 8> state_;
   std::array<std::uint8_t, 64> buffer_;
   std::size_t buffered_;

@@ -34,16 +34,8 @@ std::unique_ptr<LoadedModule> LoadedModule::instantiate(std::string_view name, s
 LoadedModule::LoadedModule(std::unique_ptr<OrxModuleInstance> instance, std::string digest, OrxExecutionTier tier)
     : instance_(std::move(instance)), digest_(std::move(digest)), tier_(tier) {}
 
-OrxInvocation LoadedModule::invoke(std::span<const std::int32_t> arguments) noexcept {
-  try {
-    return instance_->invoke(arguments.data(), arguments.size());
-  } catch (const std::exception& error) {
-    OrxInvocation failed;
-    failed.error = error.what();
-    return failed;
-  } catch (...) {
-    OrxInvocation failed;
-    failed.error = "unknown exception";
-    return failed;
-  }
+OrxInvocation LoadedModule::failedInvocation(const char* error) {
+  OrxInvocation failed;
+  failed.error = error;
+  return failed;
 }

@@ -2,6 +2,7 @@
 // The module host: one instantiated policy module, with the digest of the bytes it was made from.
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <span>
 #include <string>
@@ -29,10 +30,21 @@ class LoadedModule {
   const std::string& digest() const { return digest_; }
   OrxExecutionTier tier() const { return tier_; }
 
-  // One `decide` call; never throws. Callers serialise calls (the runtime holds its lock).
-  OrxInvocation invoke(std::span<const std::int32_t> arguments) noexcept;
+  // One `decide` call; never throws. Callers serialise calls (the runtime holds its lock). Inline: it
+  // is on every decision's path.
+  OrxInvocation invoke(std::span<const std::int32_t> arguments) noexcept {
+    try {
+      return instance_->invoke(arguments.data(), arguments.size());
+    } catch (const std::exception& error) {
+      return failedInvocation(error.what());
+    } catch (...) {
+      return failedInvocation("unknown exception");
+    }
+  }
 
  private:
+  static OrxInvocation failedInvocation(const char* error);
+
   std::unique_ptr<OrxModuleInstance> instance_;
   std::string digest_;
   OrxExecutionTier tier_;

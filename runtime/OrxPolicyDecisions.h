@@ -39,12 +39,6 @@ enum class OrxCinemaAdmissionReason : std::int32_t {
   invalidFacts = 6,
 };
 
-// Raw value to case; an unknown raw value yields nothing.
-std::optional<OrxAuthorizationReason> orxAuthorizationReason(std::int32_t raw);
-std::optional<OrxSyncAction> orxSyncAction(std::int32_t raw);
-std::optional<OrxCinemaAdmissionRoute> orxCinemaAdmissionRoute(std::int32_t raw);
-std::optional<OrxCinemaAdmissionReason> orxCinemaAdmissionReason(std::int32_t raw);
-
 // The case's name as written in the enumeration ("tokenExpired", "nudge"), for reports and tools.
 std::string_view orxCaseName(OrxAuthorizationReason value);
 std::string_view orxCaseName(OrxSyncAction value);
@@ -61,6 +55,29 @@ std::string_view orxCaseName(OrxDecisionSource value);
 template <class E>
 constexpr std::int32_t rawValue(E value) {
   return static_cast<std::int32_t>(value);
+}
+
+// Raw value to case; an unknown raw value yields nothing. Inline because every decision converts its
+// answer: returned out of line, the optional goes through memory and the caller waits on it.
+template <class E>
+constexpr std::optional<E> orxCaseInRange(std::int32_t raw, E last) {
+  if (raw < 0 || raw > rawValue(last)) return std::nullopt;
+  return static_cast<E>(raw);
+}
+
+constexpr std::optional<OrxAuthorizationReason> orxAuthorizationReason(std::int32_t raw) {
+  if (raw == rawValue(OrxAuthorizationReason::runtimeUnavailable)) return OrxAuthorizationReason::runtimeUnavailable;
+  if (raw == rawValue(OrxAuthorizationReason::invalidResult)) return OrxAuthorizationReason::invalidResult;
+  return orxCaseInRange(raw, OrxAuthorizationReason::needsAdmin);
+}
+constexpr std::optional<OrxSyncAction> orxSyncAction(std::int32_t raw) {
+  return orxCaseInRange(raw, OrxSyncAction::seek);
+}
+constexpr std::optional<OrxCinemaAdmissionRoute> orxCinemaAdmissionRoute(std::int32_t raw) {
+  return orxCaseInRange(raw, OrxCinemaAdmissionRoute::measurementRequired);
+}
+constexpr std::optional<OrxCinemaAdmissionReason> orxCinemaAdmissionReason(std::int32_t raw) {
+  return orxCaseInRange(raw, OrxCinemaAdmissionReason::invalidFacts);
 }
 
 struct OrxAuthorizationDecision {

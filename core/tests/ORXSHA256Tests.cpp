@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 
 #include "core/ORXSHA256.h"
 
 namespace {
+
+using Engine = ORXSHA256::Engine;
 
 struct Vector {
   std::string message;
@@ -31,28 +34,63 @@ std::vector<Vector> vectors() {
   };
 }
 
-TEST(ORXSHA256, MatchesReferenceDigestsWhetherHashedAtOnceOrInPieces) {
-  for (const auto& v : vectors()) {
-    const auto label = std::to_string(v.message.size()) + " bytes";
-    EXPECT_EQ(ORXSHA256::hex(v.message), v.hex) << label;
-    // Odd chunk sizes exercise every split of the internal block buffer.
-    for (std::size_t chunk : {1u, 7u, 63u, 64u, 65u}) {
-      ORXSHA256 hasher;
-      for (std::size_t i = 0; i < v.message.size(); i += chunk) {
-        hasher.update(std::string_view(v.message).substr(i, chunk));
+std::string hexOf(Engine engine, std::string_view message) {
+  ORXSHA256 hasher(engine);
+  hasher.update(message);
+  return ORXSHA256::toHex(hasher.finalize());
+}
+
+// Both engines on every machine: the portable one is forced, the CPU's instructions fall back to it
+// where the CPU has none (the differential test below says so when it is skipped).
+TEST(ORXSHA256, EachEngineMatchesReferenceDigestsWhetherHashedAtOnceOrInPieces) {
+  for (const Engine engine : {Engine::portable, Engine::cpuInstructions}) {
+    const auto engineName = engine == Engine::portable ? "portable" : "cpu instructions";
+    for (const auto& v : vectors()) {
+      const auto label = std::to_string(v.message.size()) + " bytes, " + engineName;
+      EXPECT_EQ(hexOf(engine, v.message), v.hex) << label;
+      // Odd chunk sizes exercise every split of the internal block buffer.
+      for (std::size_t chunk : {1u, 7u, 63u, 64u, 65u}) {
+        ORXSHA256 hasher(engine);
+        for (std::size_t i = 0; i < v.message.size(); i += chunk) {
+          hasher.update(std::string_view(v.message).substr(i, chunk));
+        }
+        EXPECT_EQ(ORXSHA256::toHex(hasher.finalize()), v.hex) << label << ", chunk " << chunk;
+        if (v.message.size() > 100000) break;  // one streamed pass suffices for the long message
       }
-      EXPECT_EQ(ORXSHA256::toHex(hasher.finalize()), v.hex) << label << ", chunk " << chunk;
-      if (v.message.size() > 100000) break;  // one streamed pass suffices for the long message
     }
+  }
+  EXPECT_EQ(ORXSHA256::hex(vectors()[1].message), vectors()[1].hex) << "the one-shot form";
+}
+
+// The CPU's instructions against the portable reference: every length from 0 to 4,096 bytes of
+// arbitrary content at once, then streamed in random pieces.
+TEST(ORXSHA256, CpuInstructionsAgreeWithThePortableCodeOnEveryLengthAndSplit) {
+  if (!ORXSHA256::cpuInstructionsAvailable()) GTEST_SKIP() << "this CPU has no SHA instructions";
+  std::mt19937 random(20);
+  std::string bytes(4096, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(random());
+  for (std::size_t length = 0; length <= bytes.size(); ++length) {
+    const std::string_view message(bytes.data(), length);
+    const std::string expected = hexOf(Engine::portable, message);
+    ASSERT_EQ(hexOf(Engine::cpuInstructions, message), expected) << length << " bytes";
+    ORXSHA256 streamed(Engine::cpuInstructions);
+    for (std::size_t at = 0; at < length;) {
+      const std::size_t piece = std::min<std::size_t>(length - at, random() % 200);
+      streamed.update(message.substr(at, piece));
+      at += piece;
+    }
+    ASSERT_EQ(ORXSHA256::toHex(streamed.finalize()), expected) << length << " bytes streamed";
   }
 }
 
 TEST(ORXSHA256, FinalizeResetsTheHasherForTheNextMessage) {
-  ORXSHA256 hasher;
-  hasher.update("discarded");
-  hasher.finalize();
-  hasher.update("abc");
-  EXPECT_EQ(ORXSHA256::toHex(hasher.finalize()), vectors()[1].hex);
+  for (const Engine engine : {Engine::portable, Engine::cpuInstructions}) {
+    ORXSHA256 hasher(engine);
+    hasher.update("discarded");
+    hasher.finalize();
+    hasher.update("abc");
+    EXPECT_EQ(ORXSHA256::toHex(hasher.finalize()), vectors()[1].hex);
+  }
 }
 
 }  // namespace

@@ -19,8 +19,10 @@
 #include "runtime/engine/wasm2c/PrecompiledTrap.h"
 
 // The import every translated module shares (the build checks its signature): each instance owns one.
+// Every emit writes all five values in place, one 32-bit store each: no allocation, and the decider's
+// reads right after are forwarded from those stores instead of waiting on a block copy.
 struct Z_output_instance_t {
-  std::vector<std::int32_t> emitted;
+  std::vector<std::int32_t> emitted = std::vector<std::int32_t>(5);
   bool hasEmitted = false;
 };
 
@@ -53,11 +55,10 @@ class PrecompiledModule final : public OrxModuleInstance {
 
  public:
   PrecompiledModule() {
-    output_.emitted.reserve(5);  // the emitted record never allocates on the decision path
     Instantiate(&instance_, &output_);
     if constexpr (kMetered) {
       if constexpr (Budgets::start != nullptr) {
-        if (const int trap = orx_wasm2c_call_guarded(&runStart, this)) startError_ = trapText(trap);
+        if (const int trap = orxRunTrapGuarded([this] { Budgets::start(&instance_); })) startError_ = trapText(trap);
       }
     }
   }
@@ -67,43 +68,28 @@ class PrecompiledModule final : public OrxModuleInstance {
   const std::optional<std::string>& startError() const { return startError_; }
 
   OrxInvocation invoke(const std::int32_t* arguments, std::size_t count) override {
-    output_.emitted.clear();
     output_.hasEmitted = false;
-    Call call{this, {}, 0};
-    for (std::size_t i = 0; i < Arity && i < count; ++i) call.arguments[i] = static_cast<u32>(arguments[i]);
+    std::array<u32, Arity> values{};
+    for (std::size_t i = 0; i < Arity && i < count; ++i) values[i] = static_cast<u32>(arguments[i]);
+    u32 result = 0;
     OrxInvocation invocation;
     if constexpr (kMetered) {
       *Budgets::fuel(&instance_) = kOrxFuelPerCall;
       *Budgets::stack(&instance_) = 0;
     }
-    if (const int trap = orx_wasm2c_call_guarded(&run, &call)) {
+    if (const int trap = orxRunTrapGuarded([&] { result = decide(values, std::make_index_sequence<Arity>{}); })) {
       invocation.error = trapText(trap);
     } else {
-      invocation.result = static_cast<std::int32_t>(call.result);
+      invocation.result = static_cast<std::int32_t>(result);
     }
     if (output_.hasEmitted) invocation.emitted = &output_.emitted;
     return invocation;
   }
 
  private:
-  // Everything the guarded call touches is trivially destructible: a trap unwinds it with longjmp.
-  struct Call {
-    PrecompiledModule* self;
-    std::array<u32, Arity> arguments;
-    u32 result;
-  };
-
-  static void run(void* context) {
-    auto* call = static_cast<Call*>(context);
-    call->result = [&]<std::size_t... I>(std::index_sequence<I...>) {
-      return Decide(&call->self->instance_, call->arguments[I]...);
-    }(std::make_index_sequence<Arity>{});
-  }
-
-  static void runStart(void* self) {
-    if constexpr (kMetered) {
-      if constexpr (Budgets::start != nullptr) Budgets::start(&static_cast<PrecompiledModule*>(self)->instance_);
-    }
+  template <std::size_t... I>
+  u32 decide(const std::array<u32, Arity>& values, std::index_sequence<I...>) {
+    return Decide(&instance_, values[I]...);
   }
 
   std::string trapText(int code) {

@@ -12,9 +12,12 @@
 #include "runtime/engine/PrecompiledModule.h"
 
 extern "C" u32 Z_outputZ_emit(Z_output_instance_t* output, u32 tag, u32 result, u32 first, u32 second, u32 third) {
-  output->emitted.assign({static_cast<std::int32_t>(tag), static_cast<std::int32_t>(result),
-                          static_cast<std::int32_t>(first), static_cast<std::int32_t>(second),
-                          static_cast<std::int32_t>(third)});
+  std::int32_t* values = output->emitted.data();
+  values[0] = static_cast<std::int32_t>(tag);
+  values[1] = static_cast<std::int32_t>(result);
+  values[2] = static_cast<std::int32_t>(first);
+  values[3] = static_cast<std::int32_t>(second);
+  values[4] = static_cast<std::int32_t>(third);
   output->hasEmitted = true;
   return 0;
 }

@@ -17,7 +17,7 @@
 #include "runtime/tests/MeteredTestModules.h"
 #include "runtime/tests/WatAssembler.h"
 
-extern "C" void wasm_rt_trap(int code);  // the wasm2c runtime's trap entry, routed to the thread's target
+extern "C" void wasm_rt_trap(int code);  // the wasm2c runtime's trap entry, thrown to the calling guard
 
 namespace {
 
@@ -130,8 +130,6 @@ TEST(OrxPrecompiledTier, OnlyTheApprovedBytesBindNativeCode) {
   EXPECT_EQ(runtime.executionTiers(), "authz precompiled / sync precompiled / cinema precompiled");
 }
 
-void trapWith(void* code) { wasm_rt_trap(*static_cast<int*>(code)); }
-
 TEST(OrxPrecompiledTier, TrapsReturnToTheTrappingThreadsOwnCall) {
   constexpr int kThreads = 4;
   std::vector<int> mismatches(kThreads, 0);
@@ -140,8 +138,8 @@ TEST(OrxPrecompiledTier, TrapsReturnToTheTrappingThreadsOwnCall) {
     for (int t = 0; t < kThreads; ++t) {
       threads.emplace_back([&, t] {
         for (int i = 0; i < 2000; ++i) {
-          int code = 1 + (t + i) % 6;
-          if (orx_wasm2c_call_guarded(trapWith, &code) != code) ++mismatches[t];
+          const int code = 1 + (t + i) % 6;
+          if (orxRunTrapGuarded([code] { wasm_rt_trap(code); }) != code) ++mismatches[t];
         }
       });
     }

@@ -1,5 +1,6 @@
 #include "core/ORXCanonicalJSON.h"
 #include "core/ORXDigest.h"
+#include "core/ORXSHA256.h"
 #include "tools/cli/OrxCliCommand.h"
 #include "tools/cli/OrxCliIO.h"
 
@@ -19,7 +20,11 @@ ORXDigestDomain digestDomain(std::string_view tag) {
 
 int runDigest(OrxCliArguments& arguments) {
   if (arguments.flag("--raw")) {
-    orxCliPrint(ORXDigest::raw(orxCliReadDocument(arguments)).value());
+    const auto file = arguments.nextIfAny();
+    arguments.finish();
+    ORXSHA256 hasher;
+    orxCliReadInPieces(file, [&](std::string_view piece) { hasher.update(piece); });
+    orxCliPrint(ORXDigest::ofHash(hasher.finalize()).value());
     return 0;
   }
   const ORXDigestDomain domain = digestDomain(arguments.next("TAG"));

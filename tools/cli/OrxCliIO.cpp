@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <vector>
 #include <stdexcept>
 
 namespace {
@@ -12,24 +13,29 @@ struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-std::string readWhole(std::FILE* file, std::string_view name) {
-  std::string bytes;
-  char buffer[1 << 16];
+void readPieces(std::FILE* file, std::string_view name, const std::function<void(std::string_view)>& consume) {
+  std::vector<char> buffer(1 << 20);
   std::size_t count;
-  while ((count = std::fread(buffer, 1, sizeof buffer, file)) > 0) bytes.append(buffer, count);
+  while ((count = std::fread(buffer.data(), 1, buffer.size(), file)) > 0) consume({buffer.data(), count});
   if (std::ferror(file)) {
     throw std::runtime_error("could not read " + std::string(name) + ": " + std::strerror(errno));
   }
-  return bytes;
 }
 
 }  // namespace
 
-std::string orxCliReadInput(const std::optional<std::string>& file) {
-  if (!file || *file == "-") return readWhole(stdin, "standard input");
+void orxCliReadInPieces(const std::optional<std::string>& file,
+                        const std::function<void(std::string_view)>& consume) {
+  if (!file || *file == "-") return readPieces(stdin, "standard input", consume);
   const std::unique_ptr<std::FILE, FileCloser> opened(std::fopen(file->c_str(), "rb"));
   if (!opened) throw std::runtime_error("could not read " + *file + ": " + std::strerror(errno));
-  return readWhole(opened.get(), *file);
+  readPieces(opened.get(), *file, consume);
+}
+
+std::string orxCliReadInput(const std::optional<std::string>& file) {
+  std::string bytes;
+  orxCliReadInPieces(file, [&](std::string_view piece) { bytes += piece; });
+  return bytes;
 }
 
 std::string orxCliReadDocument(OrxCliArguments& arguments) {

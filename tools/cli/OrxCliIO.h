@@ -2,6 +2,7 @@
 // Where a subcommand's document comes from and where its result goes. Results are written to standard
 // output only, each ending with a newline, so that scripts can take them as they are.
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,6 +13,10 @@
 // The bytes of `file`, or of standard input when no file is named or it is "-", exactly as they are.
 // Throws std::runtime_error "could not read <file>: <reason>".
 std::string orxCliReadInput(const std::optional<std::string>& file);
+// The same bytes handed to `consume` piece by piece as they are read, for commands that need not hold
+// a whole file (hashing one of gigabytes). Throws like orxCliReadInput.
+void orxCliReadInPieces(const std::optional<std::string>& file,
+                        const std::function<void(std::string_view)>& consume);
 
 // Takes the optional FILE that ends a subcommand's arguments, refuses anything left over, and reads
 // the document.

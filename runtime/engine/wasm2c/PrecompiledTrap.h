@@ -1,9 +1,10 @@
 #ifndef ORX_PRECOMPILED_TRAP_H
 #define ORX_PRECOMPILED_TRAP_H
 /* Traps of precompiled modules. The stock wasm2c runtime jumps to one process-wide jmp_buf, which two
- * threads running two runtimes would share; traps instead go to orx_wasm2c_trap (installed as
- * WASM_RT_TRAP_HANDLER), which jumps to the calling thread's own target. Plain setjmp: no signal mask
- * is saved, so a call costs no system call. */
+ * threads running two runtimes would share, and every guarded call would pay a setjmp. Traps instead
+ * go to orx_wasm2c_trap (installed as WASM_RT_TRAP_HANDLER), which throws a C++ exception that unwinds
+ * through the translated code (compiled with -fexceptions) to the calling thread's own guard: a call
+ * that does not trap costs nothing for its guard. */
 
 #ifdef __cplusplus
 extern "C" {
@@ -11,10 +12,23 @@ extern "C" {
 
 void orx_wasm2c_trap(int code) __attribute__((noreturn));
 
-/* Runs body(context); returns 0 when it completed, or the wasm_rt_trap_t code it trapped with. */
-int orx_wasm2c_call_guarded(void (*body)(void*), void* context);
-
 #ifdef __cplusplus
+}
+
+// What orx_wasm2c_trap throws.
+struct OrxPrecompiledTrap {
+  int code;  // the wasm_rt_trap_t
+};
+
+// Runs body(); returns 0 when it completed, or the wasm_rt_trap_t code it trapped with.
+template <class Body>
+int orxRunTrapGuarded(Body&& body) {
+  try {
+    body();
+  } catch (const OrxPrecompiledTrap& trap) {
+    return trap.code;
+  }
+  return 0;
 }
 #endif
 

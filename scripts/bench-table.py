@@ -1,0 +1,154 @@
+#!/usr/bin/env python3
+"""Prints the side-by-side benchmark table of scripts/bench from one run.
+
+Whole commands are timed as the operating system accounts a finished child (user + system CPU seconds,
+which two busy cores disturb less than wall time), ours and the reference alternating, RUNS times each;
+the table shows medians and their ratio. The decisions come from policy_decision_bench, floor and
+precompiled tier in the same run. Every pair is checked to give the same output before it is timed.
+
+    scripts/bench-table.py BUILD_DIR RUNS
+"""
+
+import hashlib
+import json
+import os
+import random
+import statistics
+import subprocess
+import sys
+import time
+
+SHA_BYTES = 256 << 20
+CANON_RECORDS = 100_000  # about 16 MiB of JSON
+GRAPH_NODES = 256
+GRAPH_EDGES = 200_000
+
+PYTHON_CANON = ("import json, sys\n"
+                "value = json.load(open(sys.argv[1], encoding='utf-8'))\n"
+                "sys.stdout.write(json.dumps(value, sort_keys=True, separators=(',', ':'), ensure_ascii=False) + '\\n')\n")
+PYTHON_GRAPH_DIGEST = ("import hashlib, json, sys\n"
+                       "graph = json.load(open(sys.argv[1], encoding='utf-8'))\n"
+                       "text = json.dumps(graph, sort_keys=True, separators=(',', ':'), ensure_ascii=False)\n"
+                       "print(hashlib.sha256(text.encode('utf-8')).hexdigest())\n")
+
+
+def write_once(path, make):
+    """Writes the data file once; True when it had to be made."""
+    if os.path.exists(path):
+        return False
+    with open(path + ".part", "wb") as out:
+        out.write(make())
+    os.replace(path + ".part", path)
+    return True
+
+
+def random_bytes():
+    rng = random.Random(20)
+    return b"".join(rng.randbytes(1 << 20) for _ in range(SHA_BYTES >> 20))
+
+
+def canon_document():
+    rng = random.Random(20)
+    records = [{"name": f"item-{i}", "id": i, "enabled": i % 3 == 0, "balance": rng.randint(-2**40, 2**40),
+                "tags": [f"t{rng.randint(0, 99)}" for _ in range(3)],
+                "owner": {"team": f"team-{i % 17}", "level": i % 5, "note": "caf\u00e9 \"quoted\" tab\t"}}
+               for i in range(CANON_RECORDS)]
+    return json.dumps({"records": records, "count": CANON_RECORDS}, indent=1, ensure_ascii=False).encode()
+
+
+def scenario_graph():
+    ids = [f"00000000-0000-4000-8000-{n:012X}" for n in range(GRAPH_NODES)]
+    nodes = [{"id": i, "nodeType": "ravo.control.sequence", "nodeVersion": "1.0.0", "stableTargetIDs": []}
+             for i in ids]
+    edges = [{"fromNodeID": ids[e % GRAPH_NODES], "outputKey": f"out{e // GRAPH_NODES}",
+              "toNodeID": ids[(7 * e + 1) % GRAPH_NODES], "inputKey": "event"} for e in range(GRAPH_EDGES)]
+    # Already in the graph's normal order, so a plain sorted dump in Python hashes the same text.
+    edges.sort(key=lambda e: f"{e['fromNodeID']}:{e['outputKey']}->{e['toNodeID']}:{e['inputKey']}")
+    graph = {"nodes": nodes, "edges": edges, "requestedCapabilities": []}
+    return json.dumps(graph, indent=1).encode()
+
+
+def run(command):
+    """One run: (cpu seconds, wall seconds, peak MiB, standard output)."""
+    start = time.monotonic()
+    child = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    output = child.stdout.read()
+    _, status, usage = os.wait4(child.pid, 0)
+    child.returncode = os.waitstatus_to_exitcode(status)
+    if child.returncode != 0:
+        sys.exit(f"bench: {' '.join(command)} exited with {child.returncode}")
+    return usage.ru_utime + usage.ru_stime, time.monotonic() - start, usage.ru_maxrss / 1024, output
+
+
+def compare(ours, reference, runs, same=lambda a, b: a == b):
+    """Medians of alternating runs, after one warm-up pair whose outputs must agree."""
+    first, second = run(ours), run(reference)
+    if not same(first[3], second[3]):
+        sys.exit(f"bench: {ours[0]} and {reference[0]} disagree on the output")
+    pairs = [(run(ours), run(reference)) for _ in range(runs)]
+    median = lambda side, field: statistics.median(pair[side][field] for pair in pairs)
+    return {"ours": median(0, 0), "reference": median(1, 0), "ours_peak": median(0, 2)}
+
+
+def decisions(build):
+    bench = os.path.join(build, "bench", "policy_decision_bench")
+    report = subprocess.run([bench, "--benchmark_filter=^BM_(Authorize|Sync|Cinema)_(Floor|Precompiled)$",
+                             "--benchmark_repetitions=5", "--benchmark_report_aggregates_only=true",
+                             "--benchmark_format=json"], check=True, capture_output=True, text=True).stdout
+    medians = {b["run_name"]: b["cpu_time"] for b in json.loads(report)["benchmarks"]
+               if b.get("aggregate_name") == "median"}
+    return {kind: (medians[f"BM_{kind}_Precompiled"], medians[f"BM_{kind}_Floor"])
+            for kind in ("Authorize", "Sync", "Cinema")}
+
+
+def main():
+    build, runs = sys.argv[1], int(sys.argv[2])
+    tool = os.path.join(build, "checks", "ravo-orx")
+    data = os.path.join(build, "bench-data")
+    os.makedirs(data, exist_ok=True)
+    blob = os.path.join(data, "sha-256MiB.bin")
+    document = os.path.join(data, "canon-document.json")
+    graph = os.path.join(data, "scenario-graph.json")
+    made = [write_once(path, make) for path, make in
+            ((blob, random_bytes), (document, canon_document), (graph, scenario_graph))]
+    if any(made):
+        # A child's peak memory counts the pages it shared with this process when forked: measure from
+        # a fresh process that never held the generated data.
+        os.execv(sys.executable, [sys.executable] + sys.argv)
+
+    hex_of = lambda output: output.split()[-1].decode().removeprefix("sha256:")
+    sha = compare([tool, "digest", "--raw", blob], ["openssl", "dgst", "-sha256", "-r", blob], runs,
+                  lambda a, b: a.split()[0].removeprefix(b"sha256:") == b.split()[0])
+    canon = compare([tool, "canon", document], [sys.executable, "-c", PYTHON_CANON, document], runs)
+    scenario = compare([tool, "scenario", "digest", graph], [sys.executable, "-c", PYTHON_GRAPH_DIGEST, graph], runs,
+                       lambda a, b: hex_of(a) == hex_of(b))
+    decided = decisions(build)
+
+    document_mib = os.path.getsize(document) / (1 << 20)
+    rows = [
+        ("SHA-256 of 256 MiB: digest --raw / openssl dgst", f"{sha['ours']:.3f} s", f"{sha['reference']:.3f} s",
+         sha["ours"] / sha["reference"], "<= 1.25"),
+        (f"canon of {document_mib:.0f} MiB: ravo-orx / Python json", f"{canon['ours']:.3f} s",
+         f"{canon['reference']:.3f} s", canon["ours"] / canon["reference"], "<= 0.20"),
+        ("canon peak memory / document size", f"{canon['ours_peak']:.0f} MiB", f"{document_mib:.0f} MiB",
+         canon["ours_peak"] / document_mib, "<= 3"),
+        (f"scenario digest, {GRAPH_EDGES:,} edges: ravo-orx / Python",
+         f"{scenario['ours']:.3f} s = {scenario['ours'] / GRAPH_EDGES * 1e6:.2f} us/edge",
+         f"{scenario['reference']:.3f} s", scenario["ours"] / scenario["reference"], "<= 0.50"),
+    ]
+    for kind, (precompiled, floor) in decided.items():
+        rows.append((f"{kind.lower()} decision: precompiled / native floor", f"{precompiled:.1f} ns",
+                     f"{floor:.1f} ns", precompiled / floor, "<= 3"))
+
+    print(f"ORX benchmark table · median CPU time of {runs} alternating runs per command; decisions: "
+          "policy_decision_bench medians of 5")
+    header = ("measure", "ours", "reference", "ratio", "goal")
+    widths = [max(len(str(r[i])) if i != 3 else 6 for r in rows + [header]) for i in range(5)]
+    print("  ".join([header[0].ljust(widths[0])] + [h.rjust(w) for h, w in zip(header[1:4], widths[1:4])] + [header[4]]))
+    for what, ours, reference, ratio, goal in rows:
+        print("  ".join([what.ljust(widths[0]), ours.rjust(widths[1]), reference.rjust(widths[2]),
+                         f"{ratio:.2f}".rjust(widths[3]), goal]))
+
+
+if __name__ == "__main__":
+    main()
