@@ -1,9 +1,9 @@
-#include <cstdio>
 #include <filesystem>
 
 #include "runtime/OrxPolicyRuntime.h"
 #include "tools/cli/OrxCliCommand.h"
 #include "tools/cli/OrxCliDecisions.h"
+#include "tools/cli/OrxCliIO.h"
 
 namespace {
 
@@ -17,8 +17,7 @@ int runDecide(OrxCliArguments& arguments) {
   const auto facts = orxCliFacts(arguments, kind, factsFile);
   OrxPolicyRuntime runtime(artifacts);
   if (runtime.loadError()) {
-    std::fprintf(stderr, "ravo-orx decide: warning: the policy artifacts did not load: %s\n",
-                 runtime.loadError()->c_str());
+    orxCliWarn("ravo-orx decide", "the policy artifacts did not load: " + *runtime.loadError());
   }
   return orxCliPrintAnswer(orxDecide(kind, runtime, facts));
 }

@@ -44,7 +44,10 @@ std::string orxCliReadDocument(OrxCliArguments& arguments) {
   return orxCliReadInput(file);
 }
 
-void orxCliWarn(std::string_view text) { std::fprintf(stderr, "warning: %.*s\n", static_cast<int>(text.size()), text.data()); }
+void orxCliWarn(std::string_view program, std::string_view text) {
+  std::fprintf(stderr, "%.*s: warning: %.*s\n", static_cast<int>(program.size()), program.data(),
+               static_cast<int>(text.size()), text.data());
+}
 
 void orxCliPrint(std::string_view text) {
   std::fwrite(text.data(), 1, text.size(), stdout);

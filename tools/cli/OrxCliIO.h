@@ -22,8 +22,8 @@ void orxCliReadInPieces(const std::optional<std::string>& file,
 // the document.
 std::string orxCliReadDocument(OrxCliArguments& arguments);
 
-// Writes "warning: ", `text` and a newline to standard error; the result is still printed.
-void orxCliWarn(std::string_view text);
+// Writes "<program>: warning: <text>" and a newline to standard error; the result is still printed.
+void orxCliWarn(std::string_view program, std::string_view text);
 
 // Writes `text` and a newline to standard output.
 void orxCliPrint(std::string_view text);

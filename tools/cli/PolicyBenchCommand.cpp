@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 
 #include <fmt/format.h>
 
@@ -59,8 +58,8 @@ int runBench(OrxCliArguments& arguments) {
   OrxPolicyDecider decider(orxModulesWith(kind, std::move(loaded)));
   const auto first = orxDecide(kind, decider, facts);
   if (first.source != OrxDecisionSource::policy) {
-    std::fprintf(stderr, "ravo-orx policy bench: warning: these facts give the fail-safe decision (%s)\n",
-                 std::string(orxCaseName(first.source)).c_str());
+    orxCliWarn("ravo-orx policy bench",
+               "these facts give the fail-safe decision (" + std::string(orxCaseName(first.source)) + ")");
   }
   const double cost = medianCost(kind, decider, facts, timing);
   orxCliPrint(fmt::format("{}: {:.3f} \u00B5s/decision on the {} tier (median of {} runs of {} decisions)", module.file,

@@ -1,7 +1,6 @@
-#include <cstdio>
-
 #include "tools/cli/OrxCliCommand.h"
 #include "tools/cli/OrxCliDecisions.h"
+#include "tools/cli/OrxCliIO.h"
 #include "tools/cli/OrxCliPolicyModule.h"
 
 namespace {
@@ -15,8 +14,8 @@ int runEval(OrxCliArguments& arguments) {
   const auto module = OrxCliPolicyModule::read(file);
   OrxPolicyDecider decider(orxModulesWith(kind, module.load(kind.module, /*allowPrecompiled=*/false)));
   if (!module.approvedAs()) {
-    std::fprintf(stderr, "ravo-orx policy eval: warning: %s (sha256 %.8s) is not approved by this build\n",
-                 module.file.c_str(), module.digest.c_str());
+    orxCliWarn("ravo-orx policy eval",
+               module.file + " (sha256 " + module.digest.substr(0, 8) + ") is not approved by this build");
   }
   return orxCliPrintAnswer(orxDecide(kind, decider, facts));
 }

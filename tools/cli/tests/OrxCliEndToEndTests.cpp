@@ -218,9 +218,9 @@ TEST(RavoOrxTool, Scenario) {
       {{"scenario", "diff", kData + "revision-1.json", kData + "revision-1.json"}, "", diff('1', false, "")},
       // A stored digest that differs from the computed one is used as it stands, with a warning.
       {{"scenario", "diff", kData + "revision-1.json", forged.string()}, "",
-       {diff('1', false, "", true).out, "warning: " + forged.string() + forgedDigest, 0}},
+       {diff('1', false, "", true).out, "ravo-orx scenario: warning: " + forged.string() + forgedDigest, 0}},
       {{"scenario", "validate", kData + "revision-1.json"}, "", printed("[]")},
-      {{"scenario", "validate"}, fileText(forged), {"[]\n", "warning: standard input" + forgedDigest, 0}},
+      {{"scenario", "validate"}, fileText(forged), {"[]\n", "ravo-orx scenario: warning: standard input" + forgedDigest, 0}},
       {{"scenario", "diff", kData + "revision-1.json"}, "", misused("scenario", "missing TO")},
       {{"scenario", "merge"}, "",
        misused("scenario", "unknown scenario command \"merge\"; expected validate, digest or diff")},
