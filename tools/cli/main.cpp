@@ -135,3 +135,4 @@ int main(int argc, char** argv) {
   setOrxLogSink([](OrxLogLevel, std::string_view) {});
 
   return finishOutput(dispatch(std::vector<std::string>(argv + 1, argv + argc)));
+}
