@@ -64,6 +64,7 @@ TEST(ORXCanonicalJSONCanonicalize, RefusesAsTheParserDoes) {
       {"{\"a\":1,\"b\":2,\"a\":3}", repeats + "'a'"},
       // The first repeat in the order written is named, not the first in key order.
       {"{\"b\":1,\"a\":2,\"b\":3,\"a\":4}", repeats + "'b'"},
+      {"{\"b\":1,\"a\":2,\"a\":3,\"b\":4}", repeats + "'a'"},
       {"{\"\\n\":1,\"x\":0,\"\\u000a\":2}", repeats + "'\n'"},
       {"[{\"z\":{\"q\":1,\"q\":2},\"a\":1}]", repeats + "'q'"},
       {"[1,]", parse + "unsupported JSON value"},

@@ -23,6 +23,8 @@ TEST(ORXCanonicalSerialization, WritesMinimalEscapesAndRawUTF8) {
       {V::string(""), "\"\""},
       {V::string(" a b "), "\" a b \""},
       {V::string(" !#[]~"), "\" !#[]~\""},
+      // A space in the same group of eight bytes as a byte that is escaped stays as it is.
+      {V::string("a b\n c d"), "\"a b\\n c d\""},
       {V::string("\t\"\\/\x7f\xc3\xa9"), "\"\\t\\\"\\\\/\x7f\xc3\xa9\""},
       {V::string("\x1f\x0b\b\f\n\r"), "\"\\u001f\\u000b\\b\\f\\n\\r\""},
       {V::string(std::string("a\0b", 3)), "\"a\\u0000b\""},

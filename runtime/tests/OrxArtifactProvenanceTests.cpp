@@ -1,6 +1,8 @@
 // Tampered copies of the bundled artifacts are refused with the runtime's own texts: top-level
 // evidence problems disable everything, per-module problems only that module.
 
+#include <sys/stat.h>
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -82,6 +84,12 @@ TEST(OrxArtifactProvenance, TamperedCopiesAreRefusedWithTheRuntimesTexts) {
        [](auto& copy) {
          fs::remove(copy.path() / "sync_correction.wasm");
          fs::create_symlink("/dev/null", copy.path() / "sync_correction.wasm");
+       },
+       "sync_correction: could not read …", "ORX partial \u00B7 authz c3ea776c / sync unavailable / cinema 92624572"},
+      {"module file that is a named pipe",
+       [](auto& copy) {
+         fs::remove(copy.path() / "sync_correction.wasm");
+         ASSERT_EQ(::mkfifo((copy.path() / "sync_correction.wasm").c_str(), 0600), 0);
        },
        "sync_correction: could not read …", "ORX partial \u00B7 authz c3ea776c / sync unavailable / cinema 92624572"},
       {"recorded wasm digest not approved",

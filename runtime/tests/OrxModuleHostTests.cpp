@@ -110,6 +110,16 @@ TEST(OrxModuleHost, RefusesModulesOverALoadBudgetNamingTheBudget) {
        "locals per function 2001 (budget 2000)"},
       {"billions of locals", moduleOfFunctions(vectorOf(functionType(0, 1), 1), 1, functionBody(0xFFFFFFF0, {0x41, 0x00})),
        "locals per function 4294967280 (budget 2000)"},
+      {"two groups of 1,001 locals in one function",
+       moduleOfFunctions(vectorOf(functionType(0, 1), 1), 1, [] {
+         const ModuleBytes body = leb(2) + leb(1'001) + ModuleBytes{0x7F} + leb(1'001) + ModuleBytes{0x7F, 0x41, 0x00, 0x0B};
+         return leb(body.size()) + body;
+       }()),
+       "locals per function 2002 (budget 2000)"},
+      {"an imported function and a function section declaring 10,000 more",
+       moduleHeader() + section(2, leb(1) + leb(1) + ModuleBytes{'o'} + leb(1) + ModuleBytes{'f', 0x00, 0x00}) +
+           section(3, leb(10'000)),
+       "functions 10001 (budget 10000)"},
       {"257 initial memory pages", moduleHeader() + section(5, leb(1) + ModuleBytes{0x00} + leb(257)),
        "initial memory pages 257 (budget 256)"},
       {"an imported memory of 257 pages",
@@ -128,6 +138,10 @@ TEST(OrxModuleHost, RunsOnlyModulesProvenBoundedUnmetered) {
     doubling += "(func $f" + std::to_string(level) + " (result i32) (i32.add (call $f" + std::to_string(level + 1) +
                 ") (call $f" + std::to_string(level + 1) + ")))\n";
   }
+  // Two frames of 4 + 1998 units under the entry's 4: over the stack budget of 4000 units.
+  std::string manyLocals = "(local";
+  for (int i = 0; i < 1998; ++i) manyLocals += " i32";
+  manyLocals += ")";
   struct Case {
     const char* name;
     std::string wat;
@@ -152,6 +166,13 @@ TEST(OrxModuleHost, RunsOnlyModulesProvenBoundedUnmetered) {
       {"a bulk fill", module(R"wat((memory 1) (func (export "decide") (result i32)
                               (memory.fill (i32.const 0) (i32.const 0) (i32.const 10)) (i32.const 0)))wat"), 0,
        "it moves memory in bulk"},
+      {"a memory whose maximum is one page past the cap",
+       module(R"wat((memory 1 257) (func (export "decide") (result i32) (memory.grow (i32.const 1))))wat"), 0,
+       "its memory may grow past its cap"},
+      {"a call chain deeper than the stack budget",
+       module("(func $b (result i32) " + manyLocals + " (i32.const 1)) (func $a (result i32) " + manyLocals +
+              R"wat( (call $b)) (func (export "decide") (result i32) (call $a)))wat"), 0,
+       "a call chain may need more than 4000 stack units"},
       {"a memory without a maximum that grows",
        module(R"wat((memory 1) (func (export "decide") (result i32) (memory.grow (i32.const 1))))wat"), 0,
        "its memory may grow past its cap"},
