@@ -220,6 +220,40 @@ TEST(OrxHostileModules, EachIsRefusedOrContainedWithinItsCeiling) {
              (func $compute (result i32) (call_indirect (type $answer) (i32.const 0))))wat");
        },
        "", seek(7), 0, "", 0.5, 64},
+      // The entry charge covers both arms of an if: five calls cost more than one call's fuel.
+      {"five calls of a function whose else arm runs 200,000 instructions",
+       [] {
+         std::string nops;
+         for (int i = 0; i < 200'000; ++i) nops += "nop ";
+         return seeking("(func $heavy (if (i32.const 0) (then) (else " + nops + ")))" + R"wat(
+             (func $compute (result i32) (call $heavy) (call $heavy) (call $heavy) (call $heavy) (call $heavy)
+               (i32.const 7)))wat");
+       },
+       "", hold, 2, exhausted, 0.5, 64},
+      // An indirect call counts the largest frame: four frames of 4 + 1 + 996 units pass the stack budget.
+      {"an indirect recursion four frames of 1,001 units deep",
+       [] {
+         std::string locals = "(local";
+         for (int i = 0; i < 996; ++i) locals += " i32";
+         return seeking(R"wat((type $down (func (param i32) (result i32))) (table funcref (elem $deep))
+             (func $deep (param $n i32) (result i32) )wat" + locals + R"wat()
+               (if (result i32) (i32.eqz (local.get $n)) (then (i32.const 0))
+                 (else (i32.add (i32.const 1)
+                   (call_indirect (type $down) (i32.sub (local.get $n) (i32.const 1)) (i32.const 0))))))
+             (func $compute (result i32) (call $deep (i32.const 3))))wat");
+       },
+       "", hold, 2, "RuntimeError: call stack exhausted", 0.5, 64},
+      // A call gives its frame back: five calls in turn of 1,000 units never hold more than one. The
+      // empty loop has the module metered.
+      {"five calls in turn of a function with a 1,000-unit frame, metered",
+       [] {
+         std::string locals = "(local";
+         for (int i = 0; i < 996; ++i) locals += " i32";
+         return seeking("(func $one (result i32) " + locals + R"wat() (i32.const 1))
+             (func $compute (result i32) (loop $never)
+               (i32.add (call $one) (i32.add (call $one) (i32.add (call $one) (i32.add (call $one) (call $one)))))))wat");
+       },
+       "", seek(5), 0, "", 0.5, 64},
       {"a start function that returns",
        [] {
          return seeking(R"wat((global $ready (mut i32) (i32.const 0))
