@@ -16,6 +16,7 @@ import random
 import statistics
 import subprocess
 import sys
+import tempfile
 import time
 
 SHA_BYTES = 256 << 20
@@ -33,13 +34,12 @@ PYTHON_GRAPH_DIGEST = ("import hashlib, json, sys\n"
 
 
 def write_once(path, make):
-    """Writes the data file once; True when it had to be made."""
+    """Writes the data file unless an earlier run made it."""
     if os.path.exists(path):
-        return False
+        return
     with open(path + ".part", "wb") as out:
         out.write(make())
     os.replace(path + ".part", path)
-    return True
 
 
 def random_bytes():
@@ -69,15 +69,21 @@ def scenario_graph():
 
 
 def run(command):
-    """One run: (cpu seconds, wall seconds, peak MiB, standard output)."""
+    """One run: (cpu seconds, wall seconds, peak MiB, standard output).
+
+    The peak is GNU time's, which forks the command from a small process: a command this process starts
+    itself would report this process's own peak as well, since the kernel carries it across exec."""
     start = time.monotonic()
-    child = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-    output = child.stdout.read()
-    _, status, usage = os.wait4(child.pid, 0)
+    with tempfile.TemporaryFile() as errors:
+        child = subprocess.Popen(["/usr/bin/time", "-f", "%M", *command], stdout=subprocess.PIPE, stderr=errors)
+        output = child.stdout.read()
+        _, status, usage = os.wait4(child.pid, 0)
+        errors.seek(0)
+        peak_kib = int(errors.read().split()[-1])
     child.returncode = os.waitstatus_to_exitcode(status)
     if child.returncode != 0:
         sys.exit(f"bench: {' '.join(command)} exited with {child.returncode}")
-    return usage.ru_utime + usage.ru_stime, time.monotonic() - start, usage.ru_maxrss / 1024, output
+    return usage.ru_utime + usage.ru_stime, time.monotonic() - start, peak_kib / 1024, output
 
 
 def compare(ours, reference, runs, same=lambda a, b: a == b):
@@ -109,12 +115,8 @@ def main():
     blob = os.path.join(data, "sha-256MiB.bin")
     document = os.path.join(data, "canon-document.json")
     graph = os.path.join(data, "scenario-graph.json")
-    made = [write_once(path, make) for path, make in
-            ((blob, random_bytes), (document, canon_document), (graph, scenario_graph))]
-    if any(made):
-        # A child's peak memory counts the pages it shared with this process when forked: measure from
-        # a fresh process that never held the generated data.
-        os.execv(sys.executable, [sys.executable] + sys.argv)
+    for path, make in ((blob, random_bytes), (document, canon_document), (graph, scenario_graph)):
+        write_once(path, make)
 
     hex_of = lambda output: output.split()[-1].decode().removeprefix("sha256:")
     sha = compare([tool, "digest", "--raw", blob], ["openssl", "dgst", "-sha256", "-r", blob], runs,
