@@ -36,6 +36,6 @@ LoadedModule::LoadedModule(std::unique_ptr<OrxModuleInstance> instance, std::str
 
 OrxInvocation LoadedModule::failedInvocation(const char* error) {
   OrxInvocation failed;
-  failed.error = error;
+  failed.error = failure_.keep(error);
   return failed;
 }

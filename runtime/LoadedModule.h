@@ -43,9 +43,10 @@ class LoadedModule {
   }
 
  private:
-  static OrxInvocation failedInvocation(const char* error);
+  OrxInvocation failedInvocation(const char* error);
 
   std::unique_ptr<OrxModuleInstance> instance_;
   std::string digest_;
   OrxExecutionTier tier_;
+  OrxInvocationErrorText failure_;  // for calls the engine failed by throwing
 };

@@ -10,16 +10,48 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+// The text of a failed call, kept by the instance until its next invoke; reads like an optional text,
+// so a call that does not fail builds and copies no string.
+class OrxInvocationError {
+ public:
+  OrxInvocationError() = default;
+  explicit OrxInvocationError(const std::string& text) : text_(&text) {}
+
+  explicit operator bool() const { return text_ != nullptr; }
+  const std::string& operator*() const { return *text_; }
+  const std::string* operator->() const { return text_; }
+  operator std::optional<std::string>() const { return text_ ? std::optional(*text_) : std::nullopt; }
+
+ private:
+  const std::string* text_ = nullptr;
+};
+
+// Where an instance keeps the text of its last failed call, for the OrxInvocationError it returns.
+class OrxInvocationErrorText {
+ public:
+  OrxInvocationError keep(std::string text) {
+    text_ = std::move(text);
+    return OrxInvocationError(text_);
+  }
+
+ private:
+  std::string text_;
+};
+
+// One call's outcome. Trivially copyable and small, since every decision returns one through a virtual
+// call: what it points to is owned by the instance and valid until its next invoke.
 struct OrxInvocation {
   // decide's return value converted like a script's ToInt32; absent when decide returns nothing.
   std::optional<std::int32_t> result;
   // The numeric values of the last `emit` of this call (non-numeric ones dropped); null when `emit`
-  // was not called. Owned by the instance and valid until its next invoke.
+  // was not called.
   const std::vector<std::int32_t>* emitted = nullptr;
-  // The trap or conversion error the call raised, in a script's error text form ("RuntimeError: …").
-  std::optional<std::string> error;
+  // The trap or conversion error the call raised, in a script's error text form ("RuntimeError: …");
+  // empty when the call succeeded.
+  OrxInvocationError error;
 };
 
 class OrxModuleInstance {

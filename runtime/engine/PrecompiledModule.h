@@ -5,7 +5,6 @@
 // call, runs the exported start function at construction and reports budget traps with the
 // interpreter's texts. Include after the wasm2c headers of the modules it binds.
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -69,16 +68,15 @@ class PrecompiledModule final : public OrxModuleInstance {
 
   OrxInvocation invoke(const std::int32_t* arguments, std::size_t count) override {
     output_.hasEmitted = false;
-    std::array<u32, Arity> values{};
-    for (std::size_t i = 0; i < Arity && i < count; ++i) values[i] = static_cast<u32>(arguments[i]);
     u32 result = 0;
     OrxInvocation invocation;
     if constexpr (kMetered) {
       *Budgets::fuel(&instance_) = kOrxFuelPerCall;
       *Budgets::stack(&instance_) = 0;
     }
-    if (const int trap = orxRunTrapGuarded([&] { result = decide(values, std::make_index_sequence<Arity>{}); })) {
-      invocation.error = trapText(trap);
+    const auto call = [&] { result = decide(arguments, count, std::make_index_sequence<Arity>{}); };
+    if (const int trap = orxRunTrapGuarded(call)) {
+      invocation.error = error_.keep(trapText(trap));
     } else {
       invocation.result = static_cast<std::int32_t>(result);
     }
@@ -87,9 +85,10 @@ class PrecompiledModule final : public OrxModuleInstance {
   }
 
  private:
+  // A missing argument is 0, as on the interpreter; the arguments go straight into the call, uncopied.
   template <std::size_t... I>
-  u32 decide(const std::array<u32, Arity>& values, std::index_sequence<I...>) {
-    return Decide(&instance_, values[I]...);
+  u32 decide(const std::int32_t* arguments, std::size_t count, std::index_sequence<I...>) {
+    return Decide(&instance_, (I < count ? static_cast<u32>(arguments[I]) : 0u)...);
   }
 
   std::string trapText(int code) {
@@ -105,4 +104,5 @@ class PrecompiledModule final : public OrxModuleInstance {
   Instance instance_{};
   Z_output_instance_t output_;
   std::optional<std::string> startError_;
+  OrxInvocationErrorText error_;
 };

@@ -75,15 +75,15 @@ class WabtModuleInstance final : public OrxModuleInstance {
     typeErrorRaised_ = false;
     OrxInvocation invocation;
     if (!decide_) {
-      invocation.error = "TypeError: decide is not a function";
+      invocation.error = error_.keep("TypeError: decide is not a function");
     } else if (!packArguments(arguments, count)) {
-      invocation.error = kTypeError;
+      invocation.error = error_.keep(kTypeError);
     } else {
       results_.clear();
       resetBudgets();
       Trap::Ptr trap;
       if (wabt::Failed(decide_->Call(*thread_, params_, results_, &trap))) {
-        invocation.error = typeErrorRaised_ ? std::string(kTypeError) : trapText(trap);
+        invocation.error = error_.keep(typeErrorRaised_ ? kTypeError : trapText(trap));
         // A trap unwinds nothing: the interpreter thread keeps the failed call's frames and values,
         // and reusing it would shift every later call's locals. Start the next call on a fresh one.
         thread_ = std::make_unique<Thread>(store_);
@@ -92,7 +92,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
         trap.reset();
         store_.Collect();
       } else if (returnsBigInt()) {
-        invocation.error = kTypeError;  // ToInt32 of a BigInt throws once the call has returned
+        invocation.error = error_.keep(kTypeError);  // ToInt32 of a BigInt throws once the call has returned
       } else {
         invocation.result = convertResult();
       }
@@ -246,6 +246,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
   Values params_;   // reused across calls: no allocation per decision
   Values results_;
   std::vector<std::int32_t> emitted_;
+  OrxInvocationErrorText error_;
   bool hasEmitted_ = false;
   bool typeErrorRaised_ = false;
 };
