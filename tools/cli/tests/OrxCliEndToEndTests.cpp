@@ -227,6 +227,32 @@ TEST(RavoOrxTool, Scenario) {
   });
 }
 
+// A document is read only up to 256 MiB: a stream that never ends and a regular file past the limit
+// (refused from its size, before a byte is read) both give one line and status 1. Raw digests stream and
+// have no limit.
+TEST(RavoOrxTool, DocumentsPastTheInputLimitAreRefused) {
+  constexpr std::uintmax_t kLimit = std::uintmax_t{256} << 20;
+  const Scratch scratch("ravo-orx-input-limit-");
+  const std::string atLimit = (scratch.path / "at-limit.json").string();
+  const std::string pastLimit = (scratch.path / "past-limit.json").string();
+  std::ofstream(atLimit).close();
+  std::ofstream(pastLimit).close();
+  fs::resize_file(atLimit, kLimit);  // sparse: zero bytes that cost no disk
+  fs::resize_file(pastLimit, kLimit + 1);
+  const auto tooLong = [](const std::string& name) {
+    return refused("could not read " + name + ": input exceeds the limit of 268435456 bytes");
+  };
+  expectOutcomes({
+      {{"canon", "/dev/zero"}, "", tooLong("/dev/zero")},
+      {{"canon", pastLimit}, "", tooLong(pastLimit)},
+      {{"digest", "ORX_GRANT_SET_V1", pastLimit}, "", tooLong(pastLimit)},
+      {{"scenario", "digest", pastLimit}, "", tooLong(pastLimit)},
+      {{"canon", atLimit}, "", refused("orx.v051.parse_invalid: unsupported JSON value")},
+      {{"digest", "--raw", pastLimit}, "",
+       printed("sha256:da6ce8755151acd05195db67ebce3ee0fb5f4012e71e821cc5750f3304eaf41e")},
+  });
+}
+
 // A result that cannot be written is a failure of every subcommand, help included.
 TEST(RavoOrxTool, AFailedWriteIsReportedAndExitsOne) {
   const Outcome full = refused("ravo-orx: could not write standard output: No space left on device");
