@@ -2,6 +2,7 @@
 // Pieces of JSON string handling shared by the readers of JSON text (the canonical parser and the
 // application's quick reader) and the canonical writer.
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -12,19 +13,32 @@ namespace ORXJSONStringDecoding {
 // A byte a JSON string cannot hold as it stands: a control below 0x20, the quote or the backslash.
 inline bool isSpecial(unsigned char byte) { return byte < 0x20 || byte == '"' || byte == '\\'; }
 
-// True when one of eight bytes (in any order) is special.
-inline bool anySpecial(std::uint64_t word) {
+// The high bit of every special byte among eight (lowest address in the low byte), possibly with false
+// ones above the first true one, where a borrow ran on: the lowest set bit is always exact.
+inline std::uint64_t specialBytes(std::uint64_t word) {
   constexpr std::uint64_t ones = 0x0101010101010101u;
   constexpr std::uint64_t highs = 0x8080808080808080u;
-  const auto hasZeroByte = [](std::uint64_t x) { return (x - ones) & ~x & highs; };
+  const auto zeroBytes = [](std::uint64_t x) { return (x - ones) & ~x & highs; };
   const std::uint64_t control = (word - ones * 0x20) & ~word & highs;
-  return (control | hasZeroByte(word ^ (ones * '"')) | hasZeroByte(word ^ (ones * '\\'))) != 0;
+  return control | zeroBytes(word ^ (ones * '"')) | zeroBytes(word ^ (ones * '\\'));
 }
 
+// True when one of eight bytes (in any order) is special.
+inline bool anySpecial(std::uint64_t word) { return specialBytes(word) != 0; }
+
 // Where the run of plain bytes starting at `position` ends: at the first special byte or the end.
+// Eight bytes are read at a time, and the first special one among them is found without a byte loop,
+// since most strings are shorter than a word.
 inline std::size_t plainRunEnd(const char* data, std::size_t size, std::size_t position) {
-  std::uint64_t word;
-  while (size - position >= 8 && (std::memcpy(&word, data + position, 8), !anySpecial(word))) position += 8;
+  static_assert(std::endian::native == std::endian::little, "the lowest address must be the lowest byte");
+  while (size - position >= 8) {
+    std::uint64_t word;
+    std::memcpy(&word, data + position, 8);
+    if (const std::uint64_t special = specialBytes(word)) {
+      return position + static_cast<std::size_t>(std::countr_zero(special)) / 8;
+    }
+    position += 8;
+  }
   while (position < size && !isSpecial(static_cast<unsigned char>(data[position]))) ++position;
   return position;
 }
