@@ -51,9 +51,9 @@ class CanonicalTextWriter {
  public:
   CanonicalTextWriter(std::string& out, std::size_t reorderingBudget) : out_(out), reorderingBudget_(reorderingBudget) {}
 
-  void string(std::string_view bytes) {
+  void string(std::string_view bytes, bool asWritten) {
     separate();
-    ORXCanonicalTextOutput::appendEscaped(out_, bytes);
+    appendString(bytes, asWritten);
   }
   void integer(std::int64_t value) {
     separate();
@@ -77,14 +77,14 @@ class CanonicalTextWriter {
     out_.push_back('{');
     open_.push_back(OpenContainer{.isObject = true, .firstMember = memberStarts_.size(), .lastKey = {}});
   }
-  void key(std::string_view bytes) {
+  void key(std::string_view bytes, bool asWritten) {
     OpenContainer& object = open_.back();
     if (!object.empty) out_.push_back(',');
     if (!object.empty && !(object.lastKey < bytes)) object.ascending = false;
     object.empty = false;
     object.lastKey.assign(bytes);
     memberStarts_.push_back(out_.size());
-    ORXCanonicalTextOutput::appendEscaped(out_, bytes);
+    appendString(bytes, asWritten);
     out_.push_back(':');
   }
   void endObject() {
@@ -102,6 +102,11 @@ class CanonicalTextWriter {
     bool empty = true;
     bool ascending = true;
   };
+
+  void appendString(std::string_view bytes, bool asWritten) {
+    if (!asWritten) return ORXCanonicalTextOutput::appendEscaped(out_, bytes);
+    out_.append(bytes.data() - 1, bytes.size() + 2);  // with the quotes around it in the input
+  }
 
   // A comma between array elements; an object member's comma comes with its key.
   void separate() {

@@ -12,7 +12,7 @@ namespace {
 // becomes a value placed in its parent (where ORXCanonicalObject checks and sorts the keys).
 class ValueBuilder {
  public:
-  void string(std::string_view bytes) { place(ORXCanonicalValue::string(std::string(bytes))); }
+  void string(std::string_view bytes, bool /*asWritten*/) { place(ORXCanonicalValue::string(std::string(bytes))); }
   void integer(std::int64_t value) { place(ORXCanonicalValue::integer(value)); }
   void boolean(bool value) { place(ORXCanonicalValue::boolean(value)); }
   void beginArray() { open_.push_back({}); }
@@ -22,7 +22,7 @@ class ValueBuilder {
     place(ORXCanonicalValue::array(std::move(elements)));
   }
   void beginObject() { open_.push_back(OpenContainer{.isObject = true, .elements = {}, .fields = {}, .key = {}}); }
-  void key(std::string_view bytes) { open_.back().key.assign(bytes); }
+  void key(std::string_view bytes, bool /*asWritten*/) { open_.back().key.assign(bytes); }
   void endObject() {
     ORXCanonicalObject::Fields fields = std::move(open_.back().fields);
     open_.pop_back();

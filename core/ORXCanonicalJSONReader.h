@@ -3,8 +3,12 @@
 // that writes canonical text straight from the document. The reader walks the bytes with an integer
 // position and reports what it reads to a sink:
 //
-//   string(std::string_view bytes), integer(std::int64_t), boolean(bool),
-//   beginArray(), endArray(), beginObject(), key(std::string_view bytes), endObject()
+//   string(std::string_view bytes, bool asWritten), integer(std::int64_t), boolean(bool),
+//   beginArray(), endArray(), beginObject(), key(std::string_view bytes, bool asWritten), endObject()
+//
+// `asWritten` says that the string had no escape in the input: its bytes are then a view of the input
+// between the string's own quotes, and already its canonical text, since a quote, a backslash or a
+// control byte can only appear escaped in valid input.
 //
 // Every refusal is an ORXError::parse thrown where it is detected, so both users fail alike and at the
 // same byte; a sink may throw too (a repeated key, at the object's end).
@@ -65,7 +69,7 @@ class Reader {
     if (atEnd()) fail("unexpected end of JSON");
     switch (peek()) {
       case '"':
-        sink_.string(readString());
+        readString([this](std::string_view bytes, bool asWritten) { sink_.string(bytes, asWritten); });
         return;
       case '-':
       case '0': case '1': case '2': case '3': case '4':
@@ -125,7 +129,7 @@ class Reader {
       return sink_.endObject();
     }
     while (!atEnd() && peek() == '"') {
-      sink_.key(readString());
+      readString([this](std::string_view bytes, bool asWritten) { sink_.key(bytes, asWritten); });
       expect(':');
       readValue();
       skipWhitespace();
@@ -141,9 +145,10 @@ class Reader {
   }
 
   // Bytes are gathered as they stand into one reused buffer and decoded as UTF-8 once, at the closing
-  // quote; a string without escapes is not copied at all. The view stays valid until the next string
-  // is read.
-  std::string_view readString() {
+  // quote; a string without escapes is not copied at all. `take` gets the bytes and whether they
+  // stand in the input as written.
+  template <class Take>
+  void readString(Take take) {
     expect('"');
     bytes_.clear();
     bool escaped = false;
@@ -157,7 +162,7 @@ class Reader {
             escaped ? std::string_view(bytes_.append(input_, runStart, position_ - 1 - runStart))
                     : input_.substr(runStart, position_ - 1 - runStart);
         if (!ORXValidation::isValidUTF8(text)) fail("invalid UTF-8 string");
-        return text;
+        return take(text, !escaped);
       }
       if (byte != '\\') fail("unescaped control character");
       escaped = true;
