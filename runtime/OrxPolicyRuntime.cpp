@@ -80,11 +80,12 @@ std::filesystem::path OrxPolicyRuntime::locateArtifacts() {
   std::vector<std::filesystem::path> candidates;
   std::error_code error;
   if (auto current = std::filesystem::current_path(error); !error) candidates.push_back(current / "artifacts");
-  const auto executable = executablePath();
-  if (executable) candidates.push_back(executable->parent_path().parent_path() / "Resources" / "ORX");
   // Installed artifacts: those of the prefix the executable is installed in, then those of the prefix
   // this library was built for, so an installed application runs from any working directory.
-  if (executable) candidates.push_back(executable->parent_path() / ORX_INSTALLED_ARTIFACTS_FROM_EXECUTABLE);
+  if (auto executable = executablePath()) {
+    candidates.push_back(executable->parent_path().parent_path() / "Resources" / "ORX");
+    candidates.push_back(executable->parent_path() / ORX_INSTALLED_ARTIFACTS_FROM_EXECUTABLE);
+  }
   candidates.push_back(ORX_INSTALLED_ARTIFACTS);
   for (const auto& candidate : candidates) {
     if (std::filesystem::exists(candidate / "evidence.json", error)) return candidate;
