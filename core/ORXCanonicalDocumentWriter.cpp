@@ -24,26 +24,16 @@ namespace {
 struct ReorderingBudgetSpent {};
 
 // The key of a member written as canonical text at `start` (its opening quote), decoded back to its
-// bytes into `key`. Canonical escapes are the short ones and \u00XX.
+// bytes into `key`.
 void decodeKey(std::string_view text, std::size_t start, std::string& key) {
   key.clear();
-  for (std::size_t i = start + 1; text[i] != '"'; ++i) {
-    if (text[i] != '\\') {
-      key.push_back(text[i]);
-      continue;
-    }
-    switch (text[++i]) {
-      case 'b': key.push_back('\b'); break;
-      case 't': key.push_back('\t'); break;
-      case 'n': key.push_back('\n'); break;
-      case 'f': key.push_back('\f'); break;
-      case 'r': key.push_back('\r'); break;
-      case 'u':
-        key.push_back(static_cast<char>(ORXJSONStringDecoding::hexQuadValue(text.data() + i + 1)));
-        i += 4;
-        break;
-      default: key.push_back(text[i]);  // a quote or a backslash
-    }
+  std::size_t position = start + 1;
+  while (true) {
+    const std::size_t runEnd = ORXJSONStringDecoding::plainRunEnd(text.data(), text.size(), position);
+    key.append(text, position, runEnd - position);
+    if (text[runEnd] == '"') return;
+    position = runEnd + 1;
+    ORXJSONStringDecoding::decodeEscape(text, position, key);  // canonical escapes always decode
   }
 }
 

@@ -167,45 +167,9 @@ class Reader {
       if (byte != '\\') fail("unescaped control character");
       escaped = true;
       bytes_.append(input_, runStart, position_ - 1 - runStart);
-      readEscape();
+      if (const char* refusal = ORXJSONStringDecoding::decodeEscape(input_, position_, bytes_)) fail(refusal);
     }
     fail("unterminated string");
-  }
-
-  void readEscape() {
-    if (atEnd()) fail("incomplete string escape");
-    switch (input_[position_++]) {
-      case '"': bytes_.push_back('"'); break;
-      case '\\': bytes_.push_back('\\'); break;
-      case '/': bytes_.push_back('/'); break;
-      case 'b': bytes_.push_back('\b'); break;
-      case 'f': bytes_.push_back('\f'); break;
-      case 'n': bytes_.push_back('\n'); break;
-      case 'r': bytes_.push_back('\r'); break;
-      case 't': bytes_.push_back('\t'); break;
-      case 'u': ORXJSONStringDecoding::appendUTF8(bytes_, readUnicodeEscape()); break;
-      default: fail("invalid string escape");
-    }
-  }
-
-  // After "\u": one scalar, combining a surrogate pair written as two escapes.
-  std::uint32_t readUnicodeEscape() {
-    const std::uint32_t unit = readHexQuad();
-    if (unit >= 0xDC00 && unit <= 0xDFFF) fail("invalid UTF-16 surrogate");
-    if (unit < 0xD800 || unit > 0xDBFF) return unit;
-    matchExactly('\\');
-    matchExactly('u');
-    const std::uint32_t low = readHexQuad();
-    if (low < 0xDC00 || low > 0xDFFF) fail("invalid UTF-16 surrogate pair");
-    return 0x10000 + (unit - 0xD800) * 0x400 + (low - 0xDC00);
-  }
-
-  std::uint32_t readHexQuad() {
-    if (input_.size() - position_ < 4) fail("incomplete unicode escape");
-    const std::int32_t value = ORXJSONStringDecoding::hexQuadValue(input_.data() + position_);
-    if (value < 0) fail("invalid unicode escape");
-    position_ += 4;
-    return static_cast<std::uint32_t>(value);
   }
 
   std::int64_t readInteger() {

@@ -47,46 +47,33 @@ class Buffered {
   std::size_t used_ = 0;
 };
 
-
 // A string in double quotes with the minimal escapes; every other byte is written as it stands (the
-// text is well-formed UTF-8, so bytes of 0x80 and above are whole scalars written raw). Eight bytes are
-// tested at a time; only a group holding a byte to escape is looked at byte by byte.
+// text is well-formed UTF-8, so bytes of 0x80 and above are whole scalars written raw). Runs of plain
+// bytes are found with the readers' own scan and copied whole.
 template <class Output>
 void appendEscaped(Output& out, std::string_view text) {
   static constexpr char kHex[] = "0123456789abcdef";
   out.push_back('"');
-  const char* data = text.data();
-  const std::size_t size = text.size();
-  std::size_t runStart = 0;
-  std::size_t i = 0;
-  while (i < size) {
-    std::uint64_t word = 0x6161616161616161u;  // a short tail is padded with letters, which need no escape
-    std::memcpy(&word, data + i, size - i < 8 ? size - i : 8);
-    if (!ORXJSONStringDecoding::anySpecial(word)) {
-      i += 8;
-      continue;
+  for (std::size_t runStart = 0;;) {
+    const std::size_t runEnd = ORXJSONStringDecoding::plainRunEnd(text.data(), text.size(), runStart);
+    out.append(text.data() + runStart, runEnd - runStart);
+    if (runEnd == text.size()) break;
+    const auto byte = static_cast<unsigned char>(text[runEnd]);
+    char escape[6] = {'\\', 0, '0', '0', kHex[byte >> 4], kHex[byte & 0x0f]};
+    std::size_t length = 2;
+    switch (byte) {
+      case '"': escape[1] = '"'; break;
+      case '\\': escape[1] = '\\'; break;
+      case '\b': escape[1] = 'b'; break;
+      case '\t': escape[1] = 't'; break;
+      case '\n': escape[1] = 'n'; break;
+      case '\f': escape[1] = 'f'; break;
+      case '\r': escape[1] = 'r'; break;
+      default: escape[1] = 'u'; length = 6;
     }
-    for (const std::size_t groupEnd = size - i < 8 ? size : i + 8; i < groupEnd; ++i) {
-      const auto byte = static_cast<unsigned char>(data[i]);
-      if (!ORXJSONStringDecoding::isSpecial(byte)) continue;
-      out.append(data + runStart, i - runStart);
-      runStart = i + 1;
-      char escape[6] = {'\\', 0, '0', '0', kHex[byte >> 4], kHex[byte & 0x0f]};
-      std::size_t length = 2;
-      switch (byte) {
-        case '"': escape[1] = '"'; break;
-        case '\\': escape[1] = '\\'; break;
-        case '\b': escape[1] = 'b'; break;
-        case '\t': escape[1] = 't'; break;
-        case '\n': escape[1] = 'n'; break;
-        case '\f': escape[1] = 'f'; break;
-        case '\r': escape[1] = 'r'; break;
-        default: escape[1] = 'u'; length = 6;
-      }
-      out.append(escape, length);
-    }
+    out.append(escape, length);
+    runStart = runEnd + 1;
   }
-  out.append(data + runStart, size - runStart);
   out.push_back('"');
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace ORXJSONStringDecoding {
 
@@ -22,9 +23,6 @@ inline std::uint64_t specialBytes(std::uint64_t word) {
   const std::uint64_t control = (word - ones * 0x20) & ~word & highs;
   return control | zeroBytes(word ^ (ones * '"')) | zeroBytes(word ^ (ones * '\\'));
 }
-
-// True when one of eight bytes (in any order) is special.
-inline bool anySpecial(std::uint64_t word) { return specialBytes(word) != 0; }
 
 // Where the run of plain bytes starting at `position` ends: at the first special byte or the end.
 // Eight bytes are read at a time, and the first special one among them is found without a byte loop,
@@ -78,6 +76,53 @@ inline void appendUTF8(std::string& out, std::uint32_t scalar) {
     out.push_back(static_cast<char>(0x80 | (scalar >> 12 & 0x3F)));
     out.push_back(static_cast<char>(0x80 | (scalar >> 6 & 0x3F)));
     out.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
+  }
+}
+
+// After "\\u" at `position`: four hex digits into `value`. Null, or why they are refused.
+inline const char* decodeHexQuad(std::string_view text, std::size_t& position, std::uint32_t& value) {
+  if (text.size() - position < 4) return "incomplete unicode escape";
+  const std::int32_t quad = hexQuadValue(text.data() + position);
+  if (quad < 0) return "invalid unicode escape";
+  position += 4;
+  value = static_cast<std::uint32_t>(quad);
+  return nullptr;
+}
+
+// After "\\u": one scalar appended as UTF-8, combining a surrogate pair written as two escapes.
+inline const char* decodeUnicodeEscape(std::string_view text, std::size_t& position, std::string& out) {
+  std::uint32_t unit = 0;
+  if (const char* refusal = decodeHexQuad(text, position, unit)) return refusal;
+  if (unit >= 0xDC00 && unit <= 0xDFFF) return "invalid UTF-16 surrogate";
+  if (unit < 0xD800 || unit > 0xDBFF) {
+    appendUTF8(out, unit);
+    return nullptr;
+  }
+  if (text.size() - position < 2 || text[position] != '\\' || text[position + 1] != 'u') return "unexpected JSON byte";
+  position += 2;
+  std::uint32_t low = 0;
+  if (const char* refusal = decodeHexQuad(text, position, low)) return refusal;
+  if (low < 0xDC00 || low > 0xDFFF) return "invalid UTF-16 surrogate pair";
+  appendUTF8(out, 0x10000 + (unit - 0xD800) * 0x400 + (low - 0xDC00));
+  return nullptr;
+}
+
+// The escape after a backslash at `position`, appended to `out` as the bytes it stands for, with
+// `position` moved past it. Null, or why it is refused: every reader of JSON text decodes alike and
+// the canonical parser reports these texts.
+inline const char* decodeEscape(std::string_view text, std::size_t& position, std::string& out) {
+  if (position >= text.size()) return "incomplete string escape";
+  switch (text[position++]) {
+    case '"': out.push_back('"'); return nullptr;
+    case '\\': out.push_back('\\'); return nullptr;
+    case '/': out.push_back('/'); return nullptr;
+    case 'b': out.push_back('\b'); return nullptr;
+    case 'f': out.push_back('\f'); return nullptr;
+    case 'n': out.push_back('\n'); return nullptr;
+    case 'r': out.push_back('\r'); return nullptr;
+    case 't': out.push_back('\t'); return nullptr;
+    case 'u': return decodeUnicodeEscape(text, position, out);
+    default: return "invalid string escape";
   }
 }
 

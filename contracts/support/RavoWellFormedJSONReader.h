@@ -127,45 +127,8 @@ class RavoWellFormedJSONReader {
       if (atEnd()) return false;
       const char byte = text_[position_++];
       if (byte == '"') return ORXValidation::isValidUTF8(out);
-      if (byte != '\\' || !readEscape(out)) return false;
+      if (byte != '\\' || ORXJSONStringDecoding::decodeEscape(text_, position_, out)) return false;
     }
-  }
-
-  bool readEscape(std::string& out) {
-    if (atEnd()) return false;
-    switch (text_[position_++]) {
-      case '"': out.push_back('"'); return true;
-      case '\\': out.push_back('\\'); return true;
-      case '/': out.push_back('/'); return true;
-      case 'b': out.push_back('\b'); return true;
-      case 'f': out.push_back('\f'); return true;
-      case 'n': out.push_back('\n'); return true;
-      case 'r': out.push_back('\r'); return true;
-      case 't': out.push_back('\t'); return true;
-      case 'u': return readUnicodeEscape(out);
-      default: return false;
-    }
-  }
-
-  bool readUnicodeEscape(std::string& out) {
-    std::uint32_t unit = 0;
-    if (!readHexQuad(unit) || (unit >= 0xDC00 && unit <= 0xDFFF)) return false;
-    std::uint32_t scalar = unit;
-    if (unit >= 0xD800 && unit <= 0xDBFF) {
-      std::uint32_t low = 0;
-      if (!consumeLiteral("\\u") || !readHexQuad(low) || low < 0xDC00 || low > 0xDFFF) return false;
-      scalar = 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
-    }
-    ORXJSONStringDecoding::appendUTF8(out, scalar);
-    return true;
-  }
-
-  bool readHexQuad(std::uint32_t& value) {
-    if (text_.size() - position_ < 4) return false;
-    const std::int32_t quad = ORXJSONStringDecoding::hexQuadValue(text_.data() + position_);
-    position_ += 4;
-    value = static_cast<std::uint32_t>(quad);
-    return quad >= 0;
   }
 
   // -?(0|[1-9][0-9]*)(.[0-9]+)?([eE][+-]?[0-9]+)?
