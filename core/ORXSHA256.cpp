@@ -13,10 +13,10 @@ std::span<const std::uint8_t> bytesOf(std::string_view text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
+// The CPU check behind orxSHA256InstructionBlocks runs once; this only picks the fallback.
 ORXSHA256CompressBlocks fastestCompression() {
-  static const ORXSHA256CompressBlocks fastest =
-      orxSHA256InstructionBlocks() ? orxSHA256InstructionBlocks() : orxSHA256PortableBlocks;
-  return fastest;
+  const ORXSHA256CompressBlocks instructions = orxSHA256InstructionBlocks();
+  return instructions ? instructions : orxSHA256PortableBlocks;
 }
 
 }  // namespace
