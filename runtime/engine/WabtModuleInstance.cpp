@@ -115,6 +115,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
       }
     }
     if (analysis.bounded) return std::nullopt;
+    metered_ = true;
     std::vector<std::uint8_t> metered;
     if (auto refusal = meterModule(bytes, size, metered)) return refusal;
     desc = ModuleDesc{};
@@ -122,16 +123,19 @@ class WabtModuleInstance final : public OrxModuleInstance {
   }
 
   // Finds decide and a metered module's budget globals and start function; says whether an export
-  // named decide exists.
+  // named decide exists. The budget names are the host's only in a module it metered itself: an
+  // unmetered module may export anything under them.
   std::pair<bool, Func::Ptr> bindExports() {
     bool hasDecide = false;
     Func::Ptr start;
     const auto& exports = module_->export_types();
     for (size_t i = 0; i < exports.size(); ++i) {
       const Ref ref = instance_->exports()[i];
-      if (exports[i].name == kOrxFuelExport) fuel_ = store_.UnsafeGet<Global>(ref);
-      if (exports[i].name == kOrxStackExport) stack_ = store_.UnsafeGet<Global>(ref);
-      if (exports[i].name == kOrxStartExport) start = store_.UnsafeGet<Func>(ref);
+      if (metered_) {
+        if (exports[i].name == kOrxFuelExport) fuel_ = store_.UnsafeGet<Global>(ref);
+        if (exports[i].name == kOrxStackExport) stack_ = store_.UnsafeGet<Global>(ref);
+        if (exports[i].name == kOrxStartExport) start = store_.UnsafeGet<Func>(ref);
+      }
       if (exports[i].name != "decide") continue;
       hasDecide = true;
       // An export named decide that is not a function exists but cannot be called, as in a script.
@@ -240,7 +244,8 @@ class WabtModuleInstance final : public OrxModuleInstance {
   Module::Ptr module_;
   Instance::Ptr instance_;
   Func::Ptr decide_;
-  Global::Ptr fuel_;   // the budgets of a metered module; null when it runs unmetered
+  bool metered_ = false;  // runs the host's metered rewrite, not the bytes as given
+  Global::Ptr fuel_;      // the budgets of a metered module; null when it runs unmetered
   Global::Ptr stack_;
   std::unique_ptr<Thread> thread_;
   Values params_;   // reused across calls: no allocation per decision
