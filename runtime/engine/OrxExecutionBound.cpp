@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "runtime/engine/WabtModuleReader.h"
+
 namespace {
 
 using wabt::Index;
@@ -218,13 +220,8 @@ void boundCallGraph(const CodeCollector& facts, OrxCodeAnalysis& analysis) {
 
 OrxCodeAnalysis analyzeCode(const std::uint8_t* bytes, std::size_t size) {
   CodeCollector facts;
-  wabt::ReadBinaryOptions options;
-  options.features = wabt::Features{};
-  options.read_debug_names = false;
-  options.stop_on_first_error = true;
-  options.fail_on_custom_section_error = false;
   OrxCodeAnalysis analysis;
-  if (wabt::Failed(wabt::ReadBinary(bytes, size, &facts, options))) {
+  if (wabt::Failed(wabt::ReadBinary(bytes, size, &facts, wabtReadOptions()))) {
     analysis.overBudget = std::move(facts.overBudget);
     analysis.readable = false;
     return analysis;

@@ -106,7 +106,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
   // bounded, else their metered rewrite. Imports are checked on the bytes as given.
   std::optional<std::string> readExecutedModule(const std::uint8_t* bytes, std::size_t size, ModuleDesc& desc) {
     OrxCodeAnalysis analysis;
-    if (auto refusal = readWabtModule(bytes, size, store_.features(), desc, analysis)) return refusal;
+    if (auto refusal = readWabtModule(bytes, size, desc, analysis)) return refusal;
     for (const auto& import : desc.imports) {
       const auto& type = import.type;
       if (type.module != "output" || type.name != "emit" || type.type->kind != ExternKind::Func) {
@@ -119,7 +119,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
     std::vector<std::uint8_t> metered;
     if (auto refusal = meterModule(bytes, size, metered)) return refusal;
     desc = ModuleDesc{};
-    return readValidatedModule(metered.data(), metered.size(), store_.features(), desc);
+    return readValidatedModule(metered.data(), metered.size(), desc);
   }
 
   // Finds decide and a metered module's budget globals and start function; says whether an export
