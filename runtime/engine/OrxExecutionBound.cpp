@@ -176,6 +176,7 @@ void boundCallGraph(const CodeCollector& facts, OrxCodeAnalysis& analysis) {
   const std::uint64_t saturated = kOrxFuelPerCall + 1;
   std::vector<std::uint64_t> cost(count, 0);
   std::vector<std::uint64_t> stack(count, 0);
+  std::uint64_t worstCaseCost = 0;
   std::vector<Index> ready;
   for (Index f = facts.importedFunctions; f < count; ++f) {
     if (pendingCallees[f] == 0) ready.push_back(f);
@@ -196,7 +197,7 @@ void boundCallGraph(const CodeCollector& facts, OrxCodeAnalysis& analysis) {
     }
     cost[f] = total;
     stack[f] = std::min(function.frame + deepestCallee, kOrxMaxStackUnits + 1);
-    analysis.worstCaseCost = std::max(analysis.worstCaseCost, total);
+    worstCaseCost = std::max(worstCaseCost, total);
     if (total > kOrxFuelPerCall) {
       analysis.meteringReason = "a call may cost more than " + std::to_string(kOrxFuelPerCall) + " fuel units";
       return;
@@ -214,6 +215,7 @@ void boundCallGraph(const CodeCollector& facts, OrxCodeAnalysis& analysis) {
     return;
   }
   analysis.bounded = true;
+  analysis.worstCaseCost = worstCaseCost;
 }
 
 }  // namespace
@@ -235,6 +237,5 @@ OrxCodeAnalysis analyzeCode(const std::uint8_t* bytes, std::size_t size) {
   } else {
     boundCallGraph(facts, analysis);
   }
-  if (!analysis.bounded) analysis.worstCaseCost = 0;
   return analysis;
 }
