@@ -225,7 +225,6 @@ OrxCodeAnalysis analyzeCode(const std::uint8_t* bytes, std::size_t size) {
   OrxCodeAnalysis analysis;
   if (wabt::Failed(wabt::ReadBinary(bytes, size, &facts, wabtReadOptions()))) {
     analysis.overBudget = std::move(facts.overBudget);
-    analysis.readable = false;
     return analysis;
   }
   if (facts.unbounded) {

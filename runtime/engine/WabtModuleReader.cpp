@@ -10,9 +10,7 @@ std::optional<std::string> readWabtModule(const std::uint8_t* bytes, std::size_t
   if (auto exceeded = checkLoadBudgets(bytes, size)) return "CompileError: " + *exceeded;
   analysis = analyzeCode(bytes, size);
   if (analysis.overBudget) return "CompileError: " + *analysis.overBudget;
-  if (auto refusal = readValidatedModule(bytes, size, desc)) return refusal;
-  if (!analysis.readable) return "CompileError: the module's code could not be analysed";
-  return std::nullopt;
+  return readValidatedModule(bytes, size, desc);
 }
 
 std::optional<std::string> readValidatedModule(const std::uint8_t* bytes, std::size_t size,
