@@ -54,7 +54,7 @@ std::vector<std::uint8_t> readArtifactFile(const std::filesystem::path& path) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (fd < 0) failRead(path, errno);
   const FileDescriptor file(fd);
-  if (::fstat(fd, &info) != 0) failRead(path, errno);
+  if (::fstat(file.get(), &info) != 0) failRead(path, errno);
   checkReadable(path, info);
 
   // Reads at most one byte past the limit, so a file that grows while it is read is refused too.
@@ -65,7 +65,7 @@ std::vector<std::uint8_t> readArtifactFile(const std::filesystem::path& path) {
       if (size > kOrxArtifactFileByteLimit) failTooLarge(path, size);
       bytes.resize(std::min(size * 2, kOrxArtifactFileByteLimit + 1));
     }
-    const ssize_t count = ::read(fd, bytes.data() + size, bytes.size() - size);
+    const ssize_t count = ::read(file.get(), bytes.data() + size, bytes.size() - size);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) failRead(path, errno);
     if (count == 0) break;

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "runtime/engine/WabtModuleReader.h"
+
 namespace {
 
 using wabt::Index;
@@ -174,6 +176,7 @@ void boundCallGraph(const CodeCollector& facts, OrxCodeAnalysis& analysis) {
   const std::uint64_t saturated = kOrxFuelPerCall + 1;
   std::vector<std::uint64_t> cost(count, 0);
   std::vector<std::uint64_t> stack(count, 0);
+  std::uint64_t worstCaseCost = 0;
   std::vector<Index> ready;
   for (Index f = facts.importedFunctions; f < count; ++f) {
     if (pendingCallees[f] == 0) ready.push_back(f);
@@ -194,7 +197,7 @@ void boundCallGraph(const CodeCollector& facts, OrxCodeAnalysis& analysis) {
     }
     cost[f] = total;
     stack[f] = std::min(function.frame + deepestCallee, kOrxMaxStackUnits + 1);
-    analysis.worstCaseCost = std::max(analysis.worstCaseCost, total);
+    worstCaseCost = std::max(worstCaseCost, total);
     if (total > kOrxFuelPerCall) {
       analysis.meteringReason = "a call may cost more than " + std::to_string(kOrxFuelPerCall) + " fuel units";
       return;
@@ -212,21 +215,16 @@ void boundCallGraph(const CodeCollector& facts, OrxCodeAnalysis& analysis) {
     return;
   }
   analysis.bounded = true;
+  analysis.worstCaseCost = worstCaseCost;
 }
 
 }  // namespace
 
 OrxCodeAnalysis analyzeCode(const std::uint8_t* bytes, std::size_t size) {
   CodeCollector facts;
-  wabt::ReadBinaryOptions options;
-  options.features = wabt::Features{};
-  options.read_debug_names = false;
-  options.stop_on_first_error = true;
-  options.fail_on_custom_section_error = false;
   OrxCodeAnalysis analysis;
-  if (wabt::Failed(wabt::ReadBinary(bytes, size, &facts, options))) {
+  if (wabt::Failed(wabt::ReadBinary(bytes, size, &facts, wabtReadOptions()))) {
     analysis.overBudget = std::move(facts.overBudget);
-    analysis.readable = false;
     return analysis;
   }
   if (facts.unbounded) {
@@ -238,6 +236,5 @@ OrxCodeAnalysis analyzeCode(const std::uint8_t* bytes, std::size_t size) {
   } else {
     boundCallGraph(facts, analysis);
   }
-  if (!analysis.bounded) analysis.worstCaseCost = 0;
   return analysis;
 }

@@ -30,12 +30,12 @@ inline constexpr std::uint64_t kOrxFrameUnits = 4;
 
 struct OrxCodeAnalysis {
   std::optional<std::string> overBudget;  // a load budget exceeded: nesting, instructions, element entries
-  bool readable = true;                   // false: the bytes are malformed; wabt's reader says how
   bool bounded = false;
   std::uint64_t worstCaseCost = 0;  // fuel units of the costliest call, when bounded
   std::string meteringReason;       // why it is not bounded, e.g. "it contains a loop"
 };
 
 // One flat pass over the code (no recursion, so nesting costs nothing); allocates per function and
-// per call site only.
+// per call site only. Bytes the analysis cannot read are refused by wabt's validated read, which
+// reads them with the same reader.
 OrxCodeAnalysis analyzeCode(const std::uint8_t* bytes, std::size_t size);

@@ -194,9 +194,7 @@ std::optional<std::string> meterModule(const std::uint8_t* bytes, std::size_t si
   const Features features;
   Errors errors;
   Module module;
-  const ReadBinaryOptions readOptions(features, nullptr, /*read_debug_names=*/false, /*stop_on_first_error=*/true,
-                                      /*fail_on_custom_section_error=*/false);
-  if (Failed(ReadBinaryIr("module", bytes, size, readOptions, &errors, &module))) return wabtCompileError(errors);
+  if (Failed(ReadBinaryIr("module", bytes, size, wabtReadOptions(), &errors, &module))) return wabtCompileError(errors);
   for (const Export* export_ : module.exports) {
     if (export_->name == kOrxFuelExport || export_->name == kOrxStackExport || export_->name == kOrxStartExport) {
       return "CompileError: the export name " + export_->name + " is reserved by the host";

@@ -21,6 +21,7 @@
 
 #include <wabt/interp/interp.h>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -76,7 +77,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
     OrxInvocation invocation;
     if (!decide_) {
       invocation.error = error_.keep("TypeError: decide is not a function");
-    } else if (!packArguments(arguments, count)) {
+    } else if (decideReturnsV128_ || !packArguments(arguments, count)) {
       invocation.error = error_.keep(kTypeError);
     } else {
       results_.clear();
@@ -91,7 +92,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
         // keeps failing would grow the store by a trap per decision for the runtime's whole life.
         trap.reset();
         store_.Collect();
-      } else if (returnsBigInt()) {
+      } else if (decideReturnsBigInt_) {
         invocation.error = error_.keep(kTypeError);  // ToInt32 of a BigInt throws once the call has returned
       } else {
         invocation.result = convertResult();
@@ -106,7 +107,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
   // bounded, else their metered rewrite. Imports are checked on the bytes as given.
   std::optional<std::string> readExecutedModule(const std::uint8_t* bytes, std::size_t size, ModuleDesc& desc) {
     OrxCodeAnalysis analysis;
-    if (auto refusal = readWabtModule(bytes, size, store_.features(), desc, analysis)) return refusal;
+    if (auto refusal = readWabtModule(bytes, size, desc, analysis)) return refusal;
     for (const auto& import : desc.imports) {
       const auto& type = import.type;
       if (type.module != "output" || type.name != "emit" || type.type->kind != ExternKind::Func) {
@@ -115,27 +116,35 @@ class WabtModuleInstance final : public OrxModuleInstance {
       }
     }
     if (analysis.bounded) return std::nullopt;
+    metered_ = true;
     std::vector<std::uint8_t> metered;
     if (auto refusal = meterModule(bytes, size, metered)) return refusal;
     desc = ModuleDesc{};
-    return readValidatedModule(metered.data(), metered.size(), store_.features(), desc);
+    return readValidatedModule(metered.data(), metered.size(), desc);
   }
 
   // Finds decide and a metered module's budget globals and start function; says whether an export
-  // named decide exists.
+  // named decide exists. The budget names are the host's only in a module it metered itself: an
+  // unmetered module may export anything under them.
   std::pair<bool, Func::Ptr> bindExports() {
     bool hasDecide = false;
     Func::Ptr start;
     const auto& exports = module_->export_types();
     for (size_t i = 0; i < exports.size(); ++i) {
       const Ref ref = instance_->exports()[i];
-      if (exports[i].name == kOrxFuelExport) fuel_ = store_.UnsafeGet<Global>(ref);
-      if (exports[i].name == kOrxStackExport) stack_ = store_.UnsafeGet<Global>(ref);
-      if (exports[i].name == kOrxStartExport) start = store_.UnsafeGet<Func>(ref);
+      if (metered_) {
+        if (exports[i].name == kOrxFuelExport) fuel_ = store_.UnsafeGet<Global>(ref);
+        if (exports[i].name == kOrxStackExport) stack_ = store_.UnsafeGet<Global>(ref);
+        if (exports[i].name == kOrxStartExport) start = store_.UnsafeGet<Func>(ref);
+      }
       if (exports[i].name != "decide") continue;
       hasDecide = true;
       // An export named decide that is not a function exists but cannot be called, as in a script.
-      if (exports[i].type->kind == ExternKind::Func) decide_ = store_.UnsafeGet<Func>(ref);
+      if (exports[i].type->kind != ExternKind::Func) continue;
+      decide_ = store_.UnsafeGet<Func>(ref);
+      const auto& results = decide_->type().results;
+      decideReturnsV128_ = std::find(results.begin(), results.end(), Type::V128) != results.end();
+      decideReturnsBigInt_ = results.size() == 1 && results[0] == Type::I64;
     }
     return {hasDecide, std::move(start)};
   }
@@ -200,9 +209,6 @@ class WabtModuleInstance final : public OrxModuleInstance {
   }
 
   bool packArguments(const std::int32_t* arguments, std::size_t count) {
-    for (Type result : decide_->type().results) {
-      if (result == Type::V128) return false;  // a script cannot call a function with v128 in its type
-    }
     const auto& types = decide_->type().params;
     params_.resize(types.size());
     for (size_t i = 0; i < types.size(); ++i) {
@@ -217,11 +223,6 @@ class WabtModuleInstance final : public OrxModuleInstance {
       }
     }
     return true;
-  }
-
-  bool returnsBigInt() const {
-    const auto& types = decide_->type().results;
-    return types.size() == 1 && types[0] == Type::I64;
   }
 
   std::optional<std::int32_t> convertResult() const {
@@ -240,7 +241,12 @@ class WabtModuleInstance final : public OrxModuleInstance {
   Module::Ptr module_;
   Instance::Ptr instance_;
   Func::Ptr decide_;
-  Global::Ptr fuel_;   // the budgets of a metered module; null when it runs unmetered
+  // Fixed by decide's type: a script cannot call a function with v128 in its results, and ToInt32 of
+  // the BigInt it sees for a single i64 result throws.
+  bool decideReturnsV128_ = false;
+  bool decideReturnsBigInt_ = false;
+  bool metered_ = false;  // runs the host's metered rewrite, not the bytes as given
+  Global::Ptr fuel_;      // the budgets of a metered module; null when it runs unmetered
   Global::Ptr stack_;
   std::unique_ptr<Thread> thread_;
   Values params_;   // reused across calls: no allocation per decision

@@ -28,7 +28,7 @@ std::string describe(const std::string& name, const ExternType& type) {
 std::optional<OrxModuleInterface> describeModuleInterface(const std::uint8_t* bytes, std::size_t size) {
   ModuleDesc desc;
   OrxCodeAnalysis analysis;
-  if (readWabtModule(bytes, size, wabt::Features{}, desc, analysis)) return std::nullopt;
+  if (readWabtModule(bytes, size, desc, analysis)) return std::nullopt;
   OrxModuleInterface interface;
   for (const auto& import : desc.imports) {
     interface.imports.push_back(describe(import.type.module + "." + import.type.name, *import.type.type));
@@ -40,14 +40,14 @@ std::optional<OrxModuleInterface> describeModuleInterface(const std::uint8_t* by
 std::optional<OrxExecutionBound> describeExecutionBound(const std::uint8_t* bytes, std::size_t size) {
   ModuleDesc desc;
   OrxCodeAnalysis analysis;
-  if (readWabtModule(bytes, size, wabt::Features{}, desc, analysis)) return std::nullopt;
+  if (readWabtModule(bytes, size, desc, analysis)) return std::nullopt;
   return OrxExecutionBound{analysis.bounded, analysis.worstCaseCost, kOrxFuelPerCall, analysis.meteringReason};
 }
 
 std::optional<std::vector<std::uint8_t>> executedModuleBytes(const std::uint8_t* bytes, std::size_t size) {
   ModuleDesc desc;
   OrxCodeAnalysis analysis;
-  if (readWabtModule(bytes, size, wabt::Features{}, desc, analysis)) return std::nullopt;
+  if (readWabtModule(bytes, size, desc, analysis)) return std::nullopt;
   if (analysis.bounded) return std::vector<std::uint8_t>(bytes, bytes + size);
   std::vector<std::uint8_t> metered;
   if (meterModule(bytes, size, metered)) return std::nullopt;

@@ -1,29 +1,30 @@
 #include "runtime/engine/WabtModuleReader.h"
 
-#include <wabt/binary-reader.h>
 #include <wabt/error-formatter.h>
 #include <wabt/interp/binary-reader-interp.h>
 
 #include "runtime/engine/OrxLoadBudgets.h"
 
-std::optional<std::string> readWabtModule(const std::uint8_t* bytes, std::size_t size, const wabt::Features& features,
-                                          wabt::interp::ModuleDesc& desc, OrxCodeAnalysis& analysis) {
+std::optional<std::string> readWabtModule(const std::uint8_t* bytes, std::size_t size, wabt::interp::ModuleDesc& desc,
+                                          OrxCodeAnalysis& analysis) {
   if (auto exceeded = checkLoadBudgets(bytes, size)) return "CompileError: " + *exceeded;
   analysis = analyzeCode(bytes, size);
   if (analysis.overBudget) return "CompileError: " + *analysis.overBudget;
-  if (auto refusal = readValidatedModule(bytes, size, features, desc)) return refusal;
-  if (!analysis.readable) return "CompileError: the module's code could not be analysed";
-  return std::nullopt;
+  return readValidatedModule(bytes, size, desc);
 }
 
 std::optional<std::string> readValidatedModule(const std::uint8_t* bytes, std::size_t size,
-                                               const wabt::Features& features, wabt::interp::ModuleDesc& desc) {
+                                               wabt::interp::ModuleDesc& desc) {
   wabt::Errors errors;
-  wabt::ReadBinaryOptions options(features, nullptr, false, true, false);
-  if (wabt::Succeeded(wabt::interp::ReadBinaryInterp("module", bytes, size, options, &errors, &desc))) {
+  if (wabt::Succeeded(wabt::interp::ReadBinaryInterp("module", bytes, size, wabtReadOptions(), &errors, &desc))) {
     return std::nullopt;
   }
   return wabtCompileError(errors);
+}
+
+wabt::ReadBinaryOptions wabtReadOptions() {
+  return wabt::ReadBinaryOptions(wabt::Features{}, /*log_stream=*/nullptr, /*read_debug_names=*/false,
+                                 /*stop_on_first_error=*/true, /*fail_on_custom_section_error=*/false);
 }
 
 std::string wabtCompileError(const wabt::Errors& errors) {

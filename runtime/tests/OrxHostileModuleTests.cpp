@@ -261,6 +261,16 @@ TEST(OrxHostileModules, EachIsRefusedOrContainedWithinItsCeiling) {
              (func $compute (result i32) (global.get $ready)))wat");
        },
        "", seek(11), 0, "", 0.5, 64},
+      // Only a module the host metered has budget globals and a start function under these names.
+      {"a bounded module exporting functions named orx:fuel, orx:stack and orx:start",
+       [] {
+         return seeking(R"wat((global $seen (mut i32) (i32.const 7))
+             (func (export "orx:fuel") (result i32) (i32.const 0))
+             (func (export "orx:stack") (global.set $seen (i32.const 98)))
+             (func (export "orx:start") (global.set $seen (i32.const 99)))
+             (func $compute (result i32) (global.get $seen)))wat");
+       },
+       "", seek(7), 0, "", 0.5, 64},
       {"a 32-page memory",
        [] {
          return seeking(R"wat((memory 32) (func $compute (result i32)

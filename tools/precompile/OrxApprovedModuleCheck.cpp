@@ -37,7 +37,7 @@ int main(int argc, char** argv) {
       std::fprintf(stderr, "%s: the native binding supports exactly one import, %s\n", argv[2], emitOnly[0].c_str());
       return 1;
     }
-    // The native binding sets no execution budgets: it runs only modules proven to need none.
+    // The approved modules' binding sets no execution budgets: it runs only modules proven to need none.
     const auto bound = describeExecutionBound(bytes.data(), bytes.size());
     if (!bound || !bound->bounded) {
       std::fprintf(stderr, "%s: the native binding runs only statically bounded modules, and this one is metered "
