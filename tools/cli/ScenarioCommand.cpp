@@ -10,11 +10,6 @@
 
 namespace {
 
-template <class Record>
-Record decode(const std::string& text) {
-  return Record::fromJSON(parseRavoJSON(text));
-}
-
 // A decoded revision keeps the digest it was written with; one that this system would compute
 // differently is still used, with a warning naming where it came from.
 RavoScenarioRevision checkedRevision(const RavoJSON& json, const std::optional<std::string>& file) {
