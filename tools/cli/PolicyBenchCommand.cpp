@@ -50,7 +50,7 @@ int runBench(OrxCliArguments& arguments) {
                       orxCliInteger(arguments.option("--decisions").value_or("100000"), "--decisions", 1, 100'000'000)};
   const auto [module, kind, facts] = orxCliPolicyDecision(arguments, factsFile);
   auto loaded = module.load(kind.module, /*allowPrecompiled=*/true);
-  const char* tier = loaded->tier() == OrxExecutionTier::precompiled ? "precompiled" : "interpreted";
+  const std::string_view tier = orxCaseName(loaded->tier());
   OrxPolicyDecider decider(orxModulesWith(kind, std::move(loaded)));
   const auto first = orxDecide(kind, decider, facts);
   if (first.source != OrxDecisionSource::policy) {

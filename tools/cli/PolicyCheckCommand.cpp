@@ -69,7 +69,7 @@ int runCheck(OrxCliArguments& arguments) {
   const auto approved = module.approvedAs();
   printField("approved", approved ? "yes, as " + *approved : std::string("no, this build approves other bytes"));
   printField("execution", module.executionBound());
-  printField("tier", loaded->tier() == OrxExecutionTier::precompiled ? "precompiled" : "interpreted");
+  printField("tier", std::string(orxCaseName(loaded->tier())));
   if (const auto problem = contractProblem(*interface, manifest)) {
     printField("contract", "refused: " + *problem);
     throw std::runtime_error(module.file + ": " + *problem);
