@@ -10,7 +10,7 @@ OrxCliPolicyModule OrxCliPolicyModule::read(const std::string& file) {
   const std::string text = orxCliReadInput(file);
   std::vector<std::uint8_t> bytes(text.begin(), text.end());
   std::string digest = ORXSHA256::hex(bytes);
-  return {file == "-" ? "standard input" : file, std::move(bytes), std::move(digest)};
+  return {orxCliInputName(file), std::move(bytes), std::move(digest)};
 }
 
 std::optional<std::string> OrxCliPolicyModule::approvedAs() const {

@@ -56,7 +56,7 @@ int runCheck(OrxCliArguments& arguments) {
   if (manifestFile) {
     const std::string text = orxCliReadInput(manifestFile);
     manifest = OrxPolicyManifest::decode(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()),
-                                         *manifestFile == "-" ? "standard input" : *manifestFile);
+                                         orxCliInputName(manifestFile));
   }
 
   const std::string name = manifest ? manifest->module : std::filesystem::path(module.file).stem().string();

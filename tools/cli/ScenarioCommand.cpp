@@ -15,7 +15,7 @@ namespace {
 RavoScenarioRevision checkedRevision(const RavoJSON& json, const std::optional<std::string>& file) {
   auto revision = RavoScenarioRevision::fromJSON(json);
   if (!revision.graphDigestMatchesDraft()) {
-    orxCliWarn("ravo-orx scenario", file.value_or("standard input") + ": RavoScenarioRevision.graphDigest does not match the draft's graph");
+    orxCliWarn("ravo-orx scenario", orxCliInputName(file) + ": RavoScenarioRevision.graphDigest does not match the draft's graph");
   }
   return revision;
 }
