@@ -4,28 +4,24 @@
 
 #include <benchmark/benchmark.h>
 
-#include <fstream>
-#include <iterator>
+#include <stdexcept>
 #include <string>
 
-#include "runtime/LoadedModule.h"
+#include "runtime/OrxArtifactFiles.h"
+#include "runtime/OrxModuleInstance.h"
 #include "runtime/tests/MeteredTestModules.h"
 
 namespace {
 
 OrxModuleInstance& interpreted() {
   static const auto module = [] {
-    std::ifstream in(std::string(ORX_METERED_TEST_MODULES) + "/metered_loop.source.wasm", std::ios::binary);
-    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    return LoadedModule::instantiate("metered_loop", bytes, /*allowPrecompiled=*/false);
+    const auto bytes = readArtifactFile(std::string(ORX_METERED_TEST_MODULES) + "/metered_loop.source.wasm");
+    OrxInstantiationFailure failure;
+    auto instance = instantiateInterpretedModule(bytes.data(), bytes.size(), failure);
+    if (!instance) throw std::runtime_error("metered_loop does not instantiate: " + failure.detail);
+    return instance;
   }();
-  struct View final : OrxModuleInstance {
-    OrxInvocation invoke(const std::int32_t* arguments, std::size_t count) override {
-      return module->invoke({arguments, count});
-    }
-  };
-  static View view;
-  return view;
+  return *module;
 }
 
 OrxModuleInstance& native() {

@@ -39,3 +39,11 @@ OrxInvocation LoadedModule::failedInvocation(const char* error) {
   failed.error = failure_.keep(error);
   return failed;
 }
+
+std::string_view orxCaseName(OrxExecutionTier value) {
+  switch (value) {
+    case OrxExecutionTier::interpreted: return "interpreted";
+    case OrxExecutionTier::precompiled: return "precompiled";
+  }
+  return {};
+}

@@ -14,6 +14,9 @@
 // these bytes.
 enum class OrxExecutionTier { interpreted, precompiled };
 
+// "interpreted" or "precompiled".
+std::string_view orxCaseName(OrxExecutionTier value);
+
 class LoadedModule {
  public:
   // Checks the load budgets, parses and validates the bytes (metering them unless they are statically

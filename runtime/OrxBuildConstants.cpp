@@ -9,7 +9,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "40133ef831774a8b3137b8c2974f8bebe188b8c87455ee9f86693f8e3052fe82";
+  static const std::string value = "a6811026b31803ee57b7ad616c4318647e446f12bbcbc8c913ae5b796821157a";
   return value;
 }
 

@@ -68,10 +68,7 @@ std::string OrxPolicyDecider::statusDescription() const {
 std::string OrxPolicyDecider::executionTiers() const {
   std::lock_guard guard(lock_);
   auto tier = [](const char* label, const std::unique_ptr<LoadedModule>& module) {
-    const char* how = !module ? "unavailable"
-                      : module->tier() == OrxExecutionTier::precompiled ? "precompiled"
-                                                                        : "interpreted";
-    return std::string(label) + " " + how;
+    return std::string(label) + " " + std::string(module ? orxCaseName(module->tier()) : "unavailable");
   };
   return tier("authz", modules_.authorization) + " / " + tier("sync", modules_.sync) + " / " +
          tier("cinema", modules_.cinemaAdmission);

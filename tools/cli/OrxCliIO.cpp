@@ -30,13 +30,17 @@ void readPieces(std::FILE* file, std::string_view name, const std::function<void
 // Runs `read` on the named file, or on standard input when no file is named or it is "-".
 template <class Read>
 void withInput(const std::optional<std::string>& file, Read read) {
-  if (!file || *file == "-") return read(stdin, std::string_view("standard input"));
+  if (!file || *file == "-") return read(stdin, orxCliInputName(file));
   const std::unique_ptr<std::FILE, FileCloser> opened(std::fopen(file->c_str(), "rb"));
   if (!opened) throwReadError(*file, std::strerror(errno));
   read(opened.get(), std::string_view(*file));
 }
 
 }  // namespace
+
+std::string orxCliInputName(const std::optional<std::string>& file) {
+  return !file || *file == "-" ? "standard input" : *file;
+}
 
 void orxCliReadInPieces(const std::optional<std::string>& file,
                         const std::function<void(std::string_view)>& consume) {

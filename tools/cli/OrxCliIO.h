@@ -16,6 +16,9 @@
 // would take the machine's memory. 256 MiB is over ten times the largest graph or document we benchmark.
 inline constexpr std::uint64_t kOrxCliInputByteLimit = std::uint64_t{256} << 20;
 
+// How messages name an input: the file, or "standard input" when no file is named or it is "-".
+std::string orxCliInputName(const std::optional<std::string>& file);
+
 // The bytes of `file`, or of standard input when no file is named or it is "-", exactly as they are.
 // Throws std::runtime_error "could not read <file>: <reason>", "could not read <file>: input exceeds
 // the limit of 268435456 bytes" past kOrxCliInputByteLimit.

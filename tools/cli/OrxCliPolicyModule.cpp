@@ -3,13 +3,14 @@
 #include "core/ORXSHA256.h"
 #include "runtime/OrxBuildConstants.h"
 #include "runtime/OrxModuleInstance.h"
+#include "tools/cli/OrxCliDecisions.h"
 #include "tools/cli/OrxCliIO.h"
 
 OrxCliPolicyModule OrxCliPolicyModule::read(const std::string& file) {
   const std::string text = orxCliReadInput(file);
   std::vector<std::uint8_t> bytes(text.begin(), text.end());
   std::string digest = ORXSHA256::hex(bytes);
-  return {file == "-" ? "standard input" : file, std::move(bytes), std::move(digest)};
+  return {orxCliInputName(file), std::move(bytes), std::move(digest)};
 }
 
 std::optional<std::string> OrxCliPolicyModule::approvedAs() const {
@@ -31,4 +32,12 @@ std::string OrxCliPolicyModule::executionBound() const {
     return "statically bounded: at most " + std::to_string(bound->worstCaseFuel) + " of " + budget + " per call";
   }
   return "metered (" + bound->meteringReason + "): a call that exceeds " + budget + " traps";
+}
+
+OrxCliPolicyDecision orxCliPolicyDecision(OrxCliArguments& arguments, const std::optional<std::string>& factsFile) {
+  const std::string file = arguments.next("MODULE");
+  if (file == "-" && factsFile == "-") throw OrxCliUsageError("MODULE and --facts cannot both be standard input");
+  const OrxPolicyKind& kind = orxCliPolicyKind(arguments);
+  auto facts = orxCliFacts(arguments, kind, factsFile);
+  return {OrxCliPolicyModule::read(file), kind, std::move(facts)};
 }

@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "runtime/LoadedModule.h"
+#include "tools/cli/OrxCliArguments.h"
+#include "tools/package_check/OrxPolicyKind.h"
 
 struct OrxCliPolicyModule {
   std::string file;
@@ -27,3 +29,15 @@ struct OrxCliPolicyModule {
   // "metered (<why>): a call that exceeds M fuel units traps".
   std::string executionBound() const;
 };
+
+// What `policy eval` and `policy bench` decide with: the module, the kind and its facts.
+struct OrxCliPolicyDecision {
+  OrxCliPolicyModule module;
+  const OrxPolicyKind& kind;
+  std::vector<std::int32_t> facts;
+};
+
+// Takes MODULE, the kind and its facts (from the words left or from `factsFile`, read before any
+// option that follows it) and reads the module; finishes the arguments. Throws OrxCliUsageError as
+// orxCliFacts does, and when MODULE and `factsFile` are both standard input.
+OrxCliPolicyDecision orxCliPolicyDecision(OrxCliArguments& arguments, const std::optional<std::string>& factsFile);

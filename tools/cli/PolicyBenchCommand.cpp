@@ -48,13 +48,9 @@ int runBench(OrxCliArguments& arguments) {
   const std::optional<std::string> factsFile = arguments.option("--facts");
   const Timing timing{orxCliInteger(arguments.option("--runs").value_or("5"), "--runs", 1, 101),
                       orxCliInteger(arguments.option("--decisions").value_or("100000"), "--decisions", 1, 100'000'000)};
-  const std::string file = arguments.next("MODULE");
-  if (file == "-" && factsFile == "-") throw OrxCliUsageError("MODULE and --facts cannot both be standard input");
-  const OrxPolicyKind& kind = orxCliPolicyKind(arguments);
-  const auto facts = orxCliFacts(arguments, kind, factsFile);
-  const auto module = OrxCliPolicyModule::read(file);
+  const auto [module, kind, facts] = orxCliPolicyDecision(arguments, factsFile);
   auto loaded = module.load(kind.module, /*allowPrecompiled=*/true);
-  const char* tier = loaded->tier() == OrxExecutionTier::precompiled ? "precompiled" : "interpreted";
+  const std::string_view tier = orxCaseName(loaded->tier());
   OrxPolicyDecider decider(orxModulesWith(kind, std::move(loaded)));
   const auto first = orxDecide(kind, decider, facts);
   if (first.source != OrxDecisionSource::policy) {

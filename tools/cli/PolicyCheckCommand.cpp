@@ -56,7 +56,7 @@ int runCheck(OrxCliArguments& arguments) {
   if (manifestFile) {
     const std::string text = orxCliReadInput(manifestFile);
     manifest = OrxPolicyManifest::decode(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()),
-                                         *manifestFile == "-" ? "standard input" : *manifestFile);
+                                         orxCliInputName(manifestFile));
   }
 
   const std::string name = manifest ? manifest->module : std::filesystem::path(module.file).stem().string();
@@ -69,7 +69,7 @@ int runCheck(OrxCliArguments& arguments) {
   const auto approved = module.approvedAs();
   printField("approved", approved ? "yes, as " + *approved : std::string("no, this build approves other bytes"));
   printField("execution", module.executionBound());
-  printField("tier", loaded->tier() == OrxExecutionTier::precompiled ? "precompiled" : "interpreted");
+  printField("tier", std::string(orxCaseName(loaded->tier())));
   if (const auto problem = contractProblem(*interface, manifest)) {
     printField("contract", "refused: " + *problem);
     throw std::runtime_error(module.file + ": " + *problem);

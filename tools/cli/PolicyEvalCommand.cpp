@@ -6,12 +6,7 @@
 namespace {
 
 int runEval(OrxCliArguments& arguments) {
-  const std::optional<std::string> factsFile = arguments.option("--facts");
-  const std::string file = arguments.next("MODULE");
-  if (file == "-" && factsFile == "-") throw OrxCliUsageError("MODULE and --facts cannot both be standard input");
-  const OrxPolicyKind& kind = orxCliPolicyKind(arguments);
-  const auto facts = orxCliFacts(arguments, kind, factsFile);
-  const auto module = OrxCliPolicyModule::read(file);
+  const auto [module, kind, facts] = orxCliPolicyDecision(arguments, arguments.option("--facts"));
   OrxPolicyDecider decider(orxModulesWith(kind, module.load(kind.module, /*allowPrecompiled=*/false)));
   if (!module.approvedAs()) {
     orxCliWarn("ravo-orx policy eval",

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <set>
 
 #include "runtime/OrxArtifactFiles.h"
@@ -29,10 +30,15 @@ std::vector<fs::path> manifestsIn(const fs::path& directory) {
   return manifests;
 }
 
-// The module assembled from its source beside the manifest, or the .wasm beside it.
-std::vector<std::uint8_t> moduleBytes(const fs::path& directory, const std::string& module) {
+// The module assembled from its source beside the manifest, or the .wasm beside it. The assembler is
+// found (which runs it once for its version) when a run first needs it, and kept for the run.
+std::vector<std::uint8_t> moduleBytes(const fs::path& directory, const std::string& module,
+                                      std::optional<OrxWatAssembler>& assembler) {
   const fs::path source = directory / (module + ".wat");
-  if (fs::exists(source)) return OrxWatAssembler::find().assemble(source);
+  if (fs::exists(source)) {
+    if (!assembler) assembler = OrxWatAssembler::find();
+    return assembler->assemble(source);
+  }
   return readArtifactFile(directory / (module + ".wasm"));
 }
 
@@ -49,14 +55,15 @@ std::string coverage(const OrxPolicyKind& kind, const std::vector<OrxPolicyCaseR
   return missing.empty() ? "its cases produce every reason" : "its cases never produce reason" + missing;
 }
 
-void testModule(const fs::path& manifestFile, bool verbose, bool reportCoverage, Tally& tally) {
+void testModule(const fs::path& manifestFile, bool verbose, bool reportCoverage,
+                std::optional<OrxWatAssembler>& assembler, Tally& tally) {
   const auto manifest = OrxPolicyManifest::decode(readArtifactFile(manifestFile), manifestFile.string());
   const OrxPolicyKind* kind = orxPolicyKindOfModule(manifest.module);
   const std::string module = manifest.module;
   std::vector<OrxPolicyCaseResult> results;
   try {
     if (!kind) throw std::runtime_error("no decision of this runtime is taken by module \"" + module + "\"");
-    results = runPolicyCases(moduleBytes(manifestFile.parent_path(), module), manifest, *kind);
+    results = runPolicyCases(moduleBytes(manifestFile.parent_path(), module, assembler), manifest, *kind);
   } catch (const std::exception& error) {
     // A module that cannot run fails every one of its cases, reported once.
     orxCliPrint("FAIL " + module + ": " + error.what());
@@ -82,7 +89,8 @@ int runTest(OrxCliArguments& arguments) {
   const fs::path directory = arguments.nextIfAny().value_or("policies");
   arguments.finish();
   Tally tally;
-  for (const auto& manifest : manifestsIn(directory)) testModule(manifest, verbose, reportCoverage, tally);
+  std::optional<OrxWatAssembler> assembler;
+  for (const auto& manifest : manifestsIn(directory)) testModule(manifest, verbose, reportCoverage, assembler, tally);
   orxCliPrint(std::to_string(tally.passed) + " passed, " + std::to_string(tally.failed) + " failed");
   return tally.failed == 0 ? 0 : kOrxCliRefusedInput;
 }

@@ -10,17 +10,12 @@
 
 namespace {
 
-template <class Record>
-Record decode(const std::string& text) {
-  return Record::fromJSON(parseRavoJSON(text));
-}
-
 // A decoded revision keeps the digest it was written with; one that this system would compute
 // differently is still used, with a warning naming where it came from.
 RavoScenarioRevision checkedRevision(const RavoJSON& json, const std::optional<std::string>& file) {
   auto revision = RavoScenarioRevision::fromJSON(json);
   if (!revision.graphDigestMatchesDraft()) {
-    orxCliWarn("ravo-orx scenario", file.value_or("standard input") + ": RavoScenarioRevision.graphDigest does not match the draft's graph");
+    orxCliWarn("ravo-orx scenario", orxCliInputName(file) + ": RavoScenarioRevision.graphDigest does not match the draft's graph");
   }
   return revision;
 }

@@ -80,7 +80,7 @@ int run(const OrxCliCommand& command, const std::string& program, OrxCliArgument
     if (!command.subcommands.empty()) {
       const auto word = arguments.nextIfAny();
       if (!word || isHelp(*word)) {
-        if (!word && !arguments.flag("--help") && !arguments.flag("-h")) throw OrxCliUsageError("missing SUBCOMMAND");
+        if (!word && !arguments.flag("--help")) throw OrxCliUsageError("missing SUBCOMMAND");
         orxCliPrint(commandHelp(command, program));
         return 0;
       }

@@ -15,8 +15,6 @@ struct OrxPackageCheck {
   std::string report;                  // the bytes of "<module>.package-check.json"
   std::vector<std::string> failures;   // empty when the module passed
   nlohmann::ordered_json evidence;     // the module's record in "evidence.json"
-
-  bool passed() const { return failures.empty(); }
 };
 
 OrxPackageCheck checkPolicyPackage(const std::string& module, std::span<const std::uint8_t> source,

@@ -1,6 +1,25 @@
 #include "tools/package_check/OrxPolicyCases.h"
 
+#include <algorithm>
+#include <stdexcept>
+#include <type_traits>
+
 namespace {
+
+// "[5201, 1, 6, 0, 3]", "[role, command]"
+template <class Item>
+std::string formatList(std::span<const Item> items) {
+  std::string text = "[";
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (i) text += ", ";
+    if constexpr (std::is_integral_v<Item>) {
+      text += std::to_string(items[i]);
+    } else {
+      text += items[i];
+    }
+  }
+  return text + "]";
+}
 
 // One raw call's outcome, copied: the emitted values the engine holds last only until the next call.
 struct Observed {
@@ -11,10 +30,10 @@ struct Observed {
 
 std::string caseProblem(const Observed& call, const OrxPolicyAnswer& answer, const OrxPolicyCase& policyCase,
                         const OrxPolicyKind& kind) {
-  const std::string expected = "expected " + orxFormatValues(policyCase.emits);
+  const std::string expected = "expected " + formatList<std::int32_t>(policyCase.emits);
   if (call.error) return expected + ", trapped: " + *call.error;
   if (!call.emitted) return expected + ", emitted nothing";
-  if (*call.emitted != policyCase.emits) return expected + ", emitted " + orxFormatValues(*call.emitted);
+  if (*call.emitted != policyCase.emits) return expected + ", emitted " + formatList<std::int32_t>(*call.emitted);
   if (call.result != policyCase.emits[1]) {
     return expected + " and decide returning " + std::to_string(policyCase.emits[1]) + ", decide returned " +
            (call.result ? std::to_string(*call.result) : std::string("nothing"));
@@ -27,14 +46,13 @@ std::string caseProblem(const Observed& call, const OrxPolicyAnswer& answer, con
 
 }  // namespace
 
-std::string orxFormatValues(std::span<const std::int32_t> values) {
-  std::string text = "[";
-  for (std::size_t i = 0; i < values.size(); ++i) text += (i ? ", " : "") + std::to_string(values[i]);
-  return text + "]";
-}
-
 std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest,
                                                 const OrxPolicyKind& kind) {
+  // The cases' facts are read as this kind's arguments, so a manifest must name exactly those facts.
+  if (!std::equal(manifest.facts.begin(), manifest.facts.end(), kind.factNames.begin(), kind.factNames.end())) {
+    throw std::runtime_error("manifest facts differ from the runtime's " + std::string(kind.module) +
+                             " facts: " + formatList<std::string_view>(kind.factNames));
+  }
   auto owned = LoadedModule::instantiate(manifest.module, wasm, /*allowPrecompiled=*/false);
   LoadedModule& module = *owned;  // the decider owns it; this tool calls it on the same thread only
   OrxPolicyDecider decider(orxModulesWith(kind, std::move(owned)));

@@ -18,9 +18,7 @@ struct OrxPolicyCaseResult {
   std::optional<std::int32_t> reason;  // the reason code the module emitted, if it emitted a record
 };
 
-// "[5201, 1, 6, 0, 3]"
-std::string orxFormatValues(std::span<const std::int32_t> values);
-
-// Throws RuntimeError with the module host's text when the module does not load.
+// Throws std::runtime_error when the manifest's facts are not the kind's, and RuntimeError with the
+// module host's text when the module does not load.
 std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest,
                                                 const OrxPolicyKind& kind);

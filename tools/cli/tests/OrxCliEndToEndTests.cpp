@@ -221,6 +221,8 @@ TEST(RavoOrxTool, Scenario) {
        {diff('1', false, "", true).out, "ravo-orx scenario: warning: " + forged.string() + forgedDigest, 0}},
       {{"scenario", "validate", kData + "revision-1.json"}, "", printed("[]")},
       {{"scenario", "validate"}, fileText(forged), {"[]\n", "ravo-orx scenario: warning: standard input" + forgedDigest, 0}},
+      {{"scenario", "validate", "-"}, fileText(forged),
+       {"[]\n", "ravo-orx scenario: warning: standard input" + forgedDigest, 0}},
       {{"scenario", "diff", kData + "revision-1.json"}, "", misused("scenario", "missing TO")},
       {{"scenario", "merge"}, "",
        misused("scenario", "unknown scenario command \"merge\"; expected validate, digest or diff")},

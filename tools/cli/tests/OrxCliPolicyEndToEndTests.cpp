@@ -54,7 +54,7 @@ struct Modules {
 TEST(RavoOrxPolicy, Test) {
   const Scratch scratch("ravo-orx-policies-");
   const fs::path wrong = scratch.path / "wrong", partial = scratch.path / "partial", binary = scratch.path / "binary",
-                 broken = scratch.path / "broken", empty = scratch.path / "empty";
+                 broken = scratch.path / "broken", empty = scratch.path / "empty", unnamed = scratch.path / "unnamed";
   fs::copy(kRoot / "policies", wrong);
   replaceIn(wrong / "player_authz.manifest.json",
             R"("token exactly at its TTL is expired", "facts": [2, 6, 63, 900000, 900000, 0, 600, 1], "emits": [5201, 0, 6, 2, 3])",
@@ -72,6 +72,13 @@ TEST(RavoOrxPolicy, Test) {
   fs::copy(partial, broken);
   writeFile(broken / "sync_correction.wat", "(module (func $oops)");
   fs::create_directories(empty);
+  // Seven facts where the sync decision takes eight, named and given so in every case: the decision would
+  // read past each case's facts.
+  fs::copy(partial, unnamed);
+  const fs::path unnamedManifest = unnamed / "sync_correction.manifest.json";
+  writeFile(unnamedManifest, std::regex_replace(fileText(unnamedManifest), std::regex(R"(, -?\d+\], "emits")"),
+                                                R"(], "emits")"));
+  replaceIn(unnamedManifest, R"(, "toleranceMilliseconds"])", "]");
 
   expectOutcomes({
       {{"policy", "test"}, "", printed("79 passed, 0 failed")},
@@ -90,6 +97,10 @@ TEST(RavoOrxPolicy, Test) {
       {{"policy", "test", broken.string()}, "",
        {"FAIL sync_correction: " + broken.string() + "/sync_correction.wat:1:21: error: unexpected token EOF, "
         "expected ).\n0 passed, 3 failed\n", "", 1}},
+      {{"policy", "test", unnamed.string()}, "",
+       {"FAIL sync_correction: manifest facts differ from the runtime's sync_correction facts: [driftMilliseconds, "
+        "roundTripMilliseconds, jitterMilliseconds, bufferAheadMilliseconds, rateX100, stallCount, "
+        "syncAgeMilliseconds, toleranceMilliseconds]\n0 passed, 3 failed\n", "", 1}},
       {{"policy", "test", empty.string()}, "", refused("no *.manifest.json in " + empty.string())},
       {{"policy", "test", "a", "b"}, "", misused("policy test", "unexpected argument \"b\"")},
   });
