@@ -3,13 +3,15 @@
 
 #include <benchmark/benchmark.h>
 
-#include "contracts/actions/RavoActionExecutionBroker.h"
-#include "contracts/actions/RavoActionIntentResolver.h"
-#include "contracts/actions/RavoApplicationActionCatalog.h"
-#include "contracts/actions/RavoCapabilityFabric.h"
-#include "contracts/actions/RavoDefaultActionSafeguard.h"
-#include "contracts/actions/RavoHostGrantActionGate.h"
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/actions/RavoActionExecutionBroker.h>
+#include <ravo-orx/contracts/actions/RavoActionIntentResolver.h>
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+#include <ravo-orx/contracts/actions/RavoCapabilityFabric.h>
+#include <ravo-orx/contracts/actions/RavoDefaultActionSafeguard.h>
+#include <ravo-orx/contracts/actions/RavoHostGrantActionGate.h>
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -64,3 +66,5 @@ void BM_BrokerExecute(benchmark::State& state) {
 BENCHMARK(BM_BrokerExecute);
 
 }  // namespace
+
+}  // namespace ravo::orx

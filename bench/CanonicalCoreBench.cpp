@@ -10,10 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "core/ORXCanonicalJSON.h"
-#include "core/ORXDigest.h"
-#include "core/ORXSHA256.h"
-#include "core/ORXTypedValue.h"
+#include <ravo-orx/core/ORXCanonicalJSON.h>
+#include <ravo-orx/core/ORXDigest.h>
+#include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/core/ORXTypedValue.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -132,3 +134,5 @@ void BM_SHA256OneMegabyte(benchmark::State& state) {
 BENCHMARK(BM_SHA256OneMegabyte);
 
 }  // namespace
+
+}  // namespace ravo::orx

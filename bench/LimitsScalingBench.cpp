@@ -4,13 +4,15 @@
 
 #include <benchmark/benchmark.h>
 
-#include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
-#include "contracts/scenarios/RavoScenarioCatalog.h"
-#include "contracts/services/RavoHomeInventoryValidator.h"
-#include "core/ORXCanonicalJSON.h"
-#include "core/ORXError.h"
-#include "host_contract/ORXDecisionEvidenceRecord.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioBuiltInCatalog.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioCatalog.h>
+#include <ravo-orx/contracts/services/RavoHomeInventoryValidator.h>
+#include <ravo-orx/core/ORXCanonicalJSON.h>
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/host_contract/ORXDecisionEvidenceRecord.h>
 #include "limits/HostileInputs.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -140,3 +142,5 @@ BENCHMARK(BM_HomeInventoryDecodeAndValidation)
     ->Complexity(benchmark::oN);
 
 }  // namespace
+
+}  // namespace ravo::orx

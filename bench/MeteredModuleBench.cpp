@@ -7,9 +7,13 @@
 #include <stdexcept>
 #include <string>
 
-#include "runtime/OrxArtifactFiles.h"
-#include "runtime/OrxModuleInstance.h"
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
+#include <ravo-orx/engine/OrxModuleInstance.h>
 #include "runtime/tests/MeteredTestModules.h"
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -46,3 +50,5 @@ void BM_MeteredLoopPrecompiled(benchmark::State& state) { run(state, native()); 
 
 BENCHMARK(BM_MeteredLoopInterpreted)->Arg(0)->Arg(1'000)->Arg(40'000);
 BENCHMARK(BM_MeteredLoopPrecompiled)->Arg(0)->Arg(1'000)->Arg(40'000);
+
+}  // namespace ravo::orx

@@ -12,8 +12,8 @@
 #include <mutex>
 #include <new>
 
-#include "checks/OrxRuntimeCheckCatalog.h"
-#include "runtime/OrxPolicyDecider.h"
+#include <ravo-orx/checks/OrxRuntimeCheckCatalog.h>
+#include <ravo-orx/runtime/OrxPolicyDecider.h>
 
 namespace {
 std::atomic<std::uint64_t> allocations{0};
@@ -29,6 +29,10 @@ void* operator new(std::size_t size) {
 }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -165,3 +169,5 @@ BENCHMARK(BM_Cinema_Precompiled);
 BENCHMARK(BM_Cinema_Precompiled)->Threads(2)->Name("BM_Cinema_Precompiled/contended");
 
 }  // namespace
+
+}  // namespace ravo::orx

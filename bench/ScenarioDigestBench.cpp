@@ -11,7 +11,9 @@
 
 #include <random>
 
-#include "contracts/scenarios/RavoScenarioCanonicalizer.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioCanonicalizer.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -100,3 +102,5 @@ void BM_ReadScenarioGraphWithNlohmannParser(benchmark::State& state) {
 BENCHMARK(BM_ReadScenarioGraphWithNlohmannParser)->Arg(200000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -4,8 +4,10 @@
 
 #include <benchmark/benchmark.h>
 
-#include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
-#include "contracts/scenarios/RavoScenarioCatalog.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioBuiltInCatalog.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioCatalog.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -50,3 +52,5 @@ void BM_ValidateFullGraph(benchmark::State& state) {
 BENCHMARK(BM_ValidateFullGraph)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
+
+}  // namespace ravo::orx

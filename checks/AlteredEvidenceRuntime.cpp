@@ -1,12 +1,16 @@
-#include "checks/AlteredEvidenceRuntime.h"
+#include <ravo-orx/checks/AlteredEvidenceRuntime.h>
 
 #include <fstream>
 #include <string_view>
 #include <system_error>
 
-#include "contracts/support/RavoJSON.h"
-#include "contracts/support/RavoUUID.h"
-#include "runtime/OrxArtifactFiles.h"
+#include <ravo-orx/contracts/support/RavoJSON.h>
+#include <ravo-orx/contracts/support/RavoUUID.h>
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -82,3 +86,5 @@ std::unique_ptr<OrxPolicyRuntime> alteredEvidenceRuntime(const fs::path& artifac
   if (!scratch.remove()) return nullptr;
   return runtime;
 }
+
+}  // namespace ravo::orx

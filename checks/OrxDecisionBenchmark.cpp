@@ -1,10 +1,12 @@
-#include "checks/OrxDecisionBenchmark.h"
+#include <ravo-orx/checks/OrxDecisionBenchmark.h>
 
 #include <fmt/format.h>
 
 #include <chrono>
 
-#include "checks/OrxRuntimeCheckCatalog.h"
+#include <ravo-orx/checks/OrxRuntimeCheckCatalog.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -32,3 +34,5 @@ OrxDecisionBenchmarkResult runOrxDecisionBenchmark(OrxPolicyRuntime& runtime) {
   const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
   return {elapsed.count() * 1'000'000.0 / (2.0 * kIterations), checksum};
 }
+
+}  // namespace ravo::orx

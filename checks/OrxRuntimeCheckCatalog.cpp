@@ -1,6 +1,8 @@
-#include "checks/OrxRuntimeCheckCatalog.h"
+#include <ravo-orx/checks/OrxRuntimeCheckCatalog.h>
 
-#include "checks/AlteredEvidenceRuntime.h"
+#include <ravo-orx/checks/AlteredEvidenceRuntime.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -131,3 +133,5 @@ std::vector<OrxRuntimeCheck> orxRuntimeCheckCatalog(OrxPolicyRuntime& runtime, c
        }},
   };
 }
+
+}  // namespace ravo::orx

@@ -7,8 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "checks/OrxDecisionBenchmark.h"
-#include "checks/OrxRuntimeCheckCatalog.h"
+#include <ravo-orx/checks/OrxDecisionBenchmark.h>
+#include <ravo-orx/checks/OrxRuntimeCheckCatalog.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -23,6 +25,10 @@ void printLine(const std::string& line) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 int main(int argc, char** argv) {
   const std::filesystem::path artifacts =

@@ -2,14 +2,20 @@
 # rules for the libraries, their headers, the tools and the bundled artifacts, the CMake package
 # RavoORX (find_package(RavoORX CONFIG)), the pkg-config module ravo-orx and a Debian package (CPack).
 
-# The modules applications link, and the runtime's static parts that RavoORX links privately (a static
-# library's private dependencies are still linked by its consumers, so they are installed too).
-set(ORX_PUBLIC_LIBRARIES OrxCore OrxHostContract RavoAIContracts RavoORX)
+# The modules applications link, and the runtime's static parts that OrxRuntime links privately (a
+# static library's private dependencies are still linked by its consumers, so they are installed too).
+set(ORX_PUBLIC_LIBRARIES OrxCore OrxHostContract RavoSupport RavoDefinitions RavoActions RavoScenarios
+  RavoServices RavoAIContracts OrxRuntime RavoORXAdapters RavoORX)
 set(ORX_INTERNAL_LIBRARIES OrxWasmEngine OrxPrecompiledModules OrxBuildConstants)
 foreach(library ${ORX_PUBLIC_LIBRARIES})
   add_library(RavoORX::${library} ALIAS ${library})
   # Consumers compile the public headers as C++20 too.
-  target_compile_features(${library} PUBLIC cxx_std_20)
+  get_target_property(type ${library} TYPE)
+  if(type STREQUAL "INTERFACE_LIBRARY")
+    target_compile_features(${library} INTERFACE cxx_std_20)
+  else()
+    target_compile_features(${library} PUBLIC cxx_std_20)
+  endif()
 endforeach()
 
 if(NOT ORX_INSTALL)
@@ -19,19 +25,21 @@ include(CMakePackageConfigHelpers)
 set(orx_include_dir ${CMAKE_INSTALL_INCLUDEDIR}/ravo-orx)
 set(orx_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/RavoORX)
 
-# Headers keep the repository's folders under include/ravo-orx/, so an application writes
-# <ravo-orx/runtime/OrxPolicyRuntime.h>; the headers' own includes ("core/ORXDigest.h") resolve
-# against include/ravo-orx. The WebAssembly engine's headers stay private.
+# Every header is spelled <ravo-orx/...>, in the tree as in an application: only include/ (the parent
+# of ravo-orx/) goes on the consumer's include path, so an application's own core/ or runtime/ folders
+# can never stand in for ours. The engine's headers and the runtime's internal ones stay private.
 install(TARGETS ${ORX_PUBLIC_LIBRARIES} ${ORX_INTERNAL_LIBRARIES} EXPORT RavoORXTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  INCLUDES DESTINATION ${orx_include_dir} ${CMAKE_INSTALL_INCLUDEDIR})
-foreach(dir core host_contract contracts runtime adapters)
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/${dir}/ DESTINATION ${orx_include_dir}/${dir}
-    FILES_MATCHING PATTERN "*.h"
-    PATTERN tests EXCLUDE PATTERN fuzz EXCLUDE PATTERN engine EXCLUDE)
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+include(${CMAKE_CURRENT_LIST_DIR}/OrxInstalledHeaders.cmake)
+orx_installed_headers(orx_headers)
+foreach(header IN LISTS orx_headers)
+  string(REGEX REPLACE ".*/include/" "" spelled ${header})
+  get_filename_component(folder ${spelled} DIRECTORY)
+  install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
 endforeach()
-install(FILES ${PROJECT_BINARY_DIR}/generated/runtime/OrxVersion.h DESTINATION ${orx_include_dir}/runtime)
+install(FILES ${PROJECT_BINARY_DIR}/generated/ravo-orx/runtime/OrxVersion.h DESTINATION ${orx_include_dir}/runtime)
 install(FILES ${PROJECT_SOURCE_DIR}/artifacts/evidence.json DESTINATION ${ORX_INSTALL_ARTIFACTS_DIR})
 foreach(module player_authz sync_correction cinema_admission)
   install(FILES ${PROJECT_SOURCE_DIR}/artifacts/${module}.wasm ${PROJECT_SOURCE_DIR}/artifacts/${module}.package-check.json

@@ -15,6 +15,8 @@ function(orx_add_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gmock GTest::gtest_main)
+  # A test's own helper headers are included from the repository root ("runtime/tests/PuppetModules.h").
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_precompile_headers(${name} REUSE_FROM orx_test_pch)
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST

@@ -13,10 +13,14 @@
 #include <string>
 #include <vector>
 
-#include "core/ORXCanonicalJSON.h"
-#include "core/ORXCanonicalJSONReader.h"
-#include "core/ORXCanonicalTextOutput.h"
-#include "core/ORXJSONStringDecoding.h"
+#include <ravo-orx/core/ORXCanonicalJSON.h>
+#include <ravo-orx/core/ORXCanonicalJSONReader.h>
+#include <ravo-orx/core/ORXCanonicalTextOutput.h>
+#include <ravo-orx/core/ORXJSONStringDecoding.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -166,3 +170,5 @@ std::string ORXCanonicalJSON::canonicalize(std::string_view text) {
     return parse(text).canonicalString();
   }
 }
+
+}  // namespace ravo::orx

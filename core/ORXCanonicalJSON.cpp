@@ -1,10 +1,14 @@
-#include "core/ORXCanonicalJSON.h"
+#include <ravo-orx/core/ORXCanonicalJSON.h>
 
 #include <optional>
 #include <utility>
 #include <vector>
 
-#include "core/ORXCanonicalJSONReader.h"
+#include <ravo-orx/core/ORXCanonicalJSONReader.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -64,3 +68,5 @@ ORXCanonicalValue ORXCanonicalJSON::parse(std::string_view text) {
 ORXCanonicalValue ORXCanonicalJSON::parse(std::span<const std::uint8_t> bytes) {
   return parse(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
+
+}  // namespace ravo::orx

@@ -1,7 +1,11 @@
 // The canonical text of a canonical value, written in one pass straight into the output asked for.
 
-#include "core/ORXCanonicalTextOutput.h"
-#include "core/ORXCanonicalValue.h"
+#include <ravo-orx/core/ORXCanonicalTextOutput.h>
+#include <ravo-orx/core/ORXCanonicalValue.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 void ORXCanonicalValue::appendCanonicalString(std::string& out) const {
   ORXCanonicalTextOutput::Buffered buffered([&out](const char* data, std::size_t size) { out.append(data, size); });
@@ -23,3 +27,5 @@ std::vector<std::uint8_t> ORXCanonicalValue::canonicalData() const {
   buffered.finish();
   return bytes;
 }
+
+}  // namespace ravo::orx

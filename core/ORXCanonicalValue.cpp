@@ -1,10 +1,12 @@
-#include "core/ORXCanonicalValue.h"
+#include <ravo-orx/core/ORXCanonicalValue.h>
 
 #include <algorithm>
 #include <unordered_set>
 
-#include "core/ORXError.h"
-#include "core/ORXValidation.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXValidation.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -94,3 +96,5 @@ std::optional<std::int64_t> ORXCanonicalValue::asInteger() const {
   if (const std::int64_t* value = std::get_if<std::int64_t>(&storage_)) return *value;
   return std::nullopt;
 }
+
+}  // namespace ravo::orx

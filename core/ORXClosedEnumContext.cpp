@@ -1,6 +1,8 @@
-#include "core/ORXClosedEnumContext.h"
+#include <ravo-orx/core/ORXClosedEnumContext.h>
 
-#include "core/ORXError.h"
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -38,3 +40,5 @@ const ORXClosedEnumSchema* ORXClosedEnumContext::schema(std::string_view typeID)
   const auto found = schemas_.find(typeID);
   return found == schemas_.end() ? nullptr : &found->second;
 }
+
+}  // namespace ravo::orx

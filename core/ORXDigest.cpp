@@ -1,10 +1,14 @@
-#include "core/ORXDigest.h"
+#include <ravo-orx/core/ORXDigest.h>
 
 #include <algorithm>
 
-#include "core/ORXCanonicalTextOutput.h"
-#include "core/ORXError.h"
-#include "core/ORXSHA256.h"
+#include <ravo-orx/core/ORXCanonicalTextOutput.h>
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXSHA256.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -43,3 +47,5 @@ ORXDigest ORXDigest::domain(std::string_view tag, const ORXCanonicalValue& value
 ORXDigest ORXDigest::domain(ORXDigestDomain domain, const ORXCanonicalValue& value) {
   return ORXDigest::domain(orxRawValue(domain), value);
 }
+
+}  // namespace ravo::orx

@@ -1,7 +1,9 @@
-#include "core/ORXEnumValue.h"
+#include <ravo-orx/core/ORXEnumValue.h>
 
-#include "core/ORXError.h"
-#include "core/ORXValidation.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXValidation.h>
+
+namespace ravo::orx {
 
 ORXEnumValue::ORXEnumValue(std::int32_t discriminant, std::string typeID, const ORXClosedEnumContext& context,
                            std::optional<std::string_view> expectedTypeID, bool requireErrorEnum)
@@ -19,3 +21,5 @@ ORXCanonicalValue ORXEnumValue::canonicalValue() const {
       {"type", ORXCanonicalValue::string(typeID_)},
   });
 }
+
+}  // namespace ravo::orx

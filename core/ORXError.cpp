@@ -1,6 +1,8 @@
-#include "core/ORXError.h"
+#include <ravo-orx/core/ORXError.h>
 
 #include <utility>
+
+namespace ravo::orx {
 
 ORXError::ORXError(Kind kind, std::string code, std::string message)
     : kind_(kind), code_(std::move(code)), message_(std::move(message)), description_(code_ + ": " + message_) {}
@@ -20,3 +22,5 @@ ORXError ORXError::unsupported(std::string message) {
 ORXError ORXError::parse(std::string message) {
   return ORXError(Kind::parse, "orx.v051.parse_invalid", std::move(message));
 }
+
+}  // namespace ravo::orx

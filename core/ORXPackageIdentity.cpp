@@ -1,7 +1,9 @@
-#include "core/ORXPackageIdentity.h"
+#include <ravo-orx/core/ORXPackageIdentity.h>
 
-#include "core/ORXABILane.h"
-#include "core/ORXError.h"
+#include <ravo-orx/core/ORXABILane.h>
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
 
 ORXPackageIdentity::ORXPackageIdentity(std::string orxABILane, ORXDigest interfaceDescriptorDigest,
                                        ORXDigest manifestDigest, ORXDigest verifiedArtifactDigest)
@@ -22,3 +24,5 @@ ORXCanonicalValue ORXPackageIdentity::canonicalValue() const {
       {"verified_artifact_digest", ORXCanonicalValue::string(verifiedArtifactDigest_.value())},
   });
 }
+
+}  // namespace ravo::orx

@@ -1,8 +1,12 @@
-#include "core/ORXSHA256.h"
+#include <ravo-orx/core/ORXSHA256.h>
 
 #include <algorithm>
 
-#include "core/ORXSHA256Blocks.h"
+#include <ravo-orx/core/ORXSHA256Blocks.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -94,3 +98,5 @@ std::string ORXSHA256::toHex(const Digest& digest) {
   }
   return text;
 }
+
+}  // namespace ravo::orx

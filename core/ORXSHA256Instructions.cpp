@@ -4,12 +4,14 @@
 // of four message words, each group of four rounds adding its round constants, and the next group
 // derived from the previous four by the message-schedule instructions.
 
-#include "core/ORXSHA256Blocks.h"
+#include <ravo-orx/core/ORXSHA256Blocks.h>
 
 #if defined(__x86_64__)
 
 #include <cpuid.h>
 #include <immintrin.h>
+
+namespace ravo::orx::internal {
 
 namespace {
 
@@ -111,3 +113,5 @@ ORXSHA256CompressBlocks orxSHA256InstructionBlocks() { return compressWithArmSha
 ORXSHA256CompressBlocks orxSHA256InstructionBlocks() { return nullptr; }
 
 #endif
+
+}  // namespace ravo::orx::internal

@@ -2,7 +2,9 @@
 
 #include <bit>
 
-#include "core/ORXSHA256Blocks.h"
+#include <ravo-orx/core/ORXSHA256Blocks.h>
+
+namespace ravo::orx::internal {
 
 namespace {
 
@@ -51,3 +53,5 @@ void compress(std::uint32_t* state, const std::uint8_t* block) {
 void orxSHA256PortableBlocks(std::uint32_t* state, const std::uint8_t* blocks, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) compress(state, blocks + 64 * i);
 }
+
+}  // namespace ravo::orx::internal

@@ -1,9 +1,11 @@
-#include "core/ORXTypeReference.h"
+#include <ravo-orx/core/ORXTypeReference.h>
 
 #include <cstdint>
 
-#include "core/ORXError.h"
-#include "core/ORXValidation.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXValidation.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -88,3 +90,5 @@ std::string ORXTypeReference::canonical() const {
   }
   return {};
 }
+
+}  // namespace ravo::orx

@@ -1,9 +1,11 @@
-#include "core/ORXTypedValue.h"
+#include <ravo-orx/core/ORXTypedValue.h>
 
 #include <algorithm>
 #include <charconv>
 
-#include "core/ORXError.h"
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -166,3 +168,5 @@ ORXCanonicalValue ORXTypedValue::encode() const {
       },
       value_);
 }
+
+}  // namespace ravo::orx

@@ -1,10 +1,12 @@
-#include "core/ORXValidation.h"
+#include <ravo-orx/core/ORXValidation.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 
-#include "core/ORXError.h"
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -104,3 +106,5 @@ bool ORXValidation::isValidUTF8(std::string_view bytes) {
   }
   return true;
 }
+
+}  // namespace ravo::orx

@@ -1,7 +1,9 @@
-#include "core/ORXVerifiedArtifact.h"
+#include <ravo-orx/core/ORXVerifiedArtifact.h>
 
-#include "core/ORXABILane.h"
-#include "core/ORXError.h"
+#include <ravo-orx/core/ORXABILane.h>
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
 
 ORXVerifiedArtifact::ORXVerifiedArtifact(std::string orxABILane, ORXDigest artifactBytesDigest,
                                          ORXDigest verifierEvidenceDigest)
@@ -21,3 +23,5 @@ ORXCanonicalValue ORXVerifiedArtifact::canonicalValue() const {
       {"verifier_evidence_digest", ORXCanonicalValue::string(verifierEvidenceDigest_.value())},
   });
 }
+
+}  // namespace ravo::orx

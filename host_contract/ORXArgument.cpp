@@ -1,7 +1,9 @@
-#include "host_contract/ORXArgument.h"
+#include <ravo-orx/host_contract/ORXArgument.h>
 
-#include "core/ORXValidation.h"
-#include "host_contract/ORXCanonicalForm.h"
+#include <ravo-orx/core/ORXValidation.h>
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+
+namespace ravo::orx {
 
 ORXArgument::ORXArgument(std::string name, ORXTypedValue value)
     : name_(ORXValidation::asciiIdentifier(name, false, "argument name")), value_(std::move(value)) {}
@@ -9,3 +11,5 @@ ORXArgument::ORXArgument(std::string name, ORXTypedValue value)
 ORXCanonicalValue ORXArgument::canonicalValue() const {
   return ORXCanonicalValue::object({{"name", ORXCanonicalForm::text(name_)}, {"value", value_.canonicalValue()}});
 }
+
+}  // namespace ravo::orx

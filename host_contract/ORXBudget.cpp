@@ -1,7 +1,9 @@
-#include "host_contract/ORXBudget.h"
+#include <ravo-orx/host_contract/ORXBudget.h>
 
-#include "core/ORXError.h"
-#include "host_contract/ORXCanonicalForm.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+
+namespace ravo::orx {
 
 ORXBudget::ORXBudget(std::int64_t limit, ORXResourceClass resourceClass)
     : limit_(limit), resourceClass_(std::move(resourceClass)) {
@@ -14,3 +16,5 @@ ORXCanonicalValue ORXBudget::canonicalValue() const {
       {"resource_class", resourceClass_.canonicalValue()},
   });
 }
+
+}  // namespace ravo::orx

@@ -1,6 +1,8 @@
-#include "host_contract/ORXCanonicalForm.h"
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
 
-#include "core/ORXTypedValue.h"
+#include <ravo-orx/core/ORXTypedValue.h>
+
+namespace ravo::orx {
 
 ORXCanonicalValue ORXCanonicalForm::text(std::string_view value) { return ORXCanonicalValue::string(std::string(value)); }
 
@@ -20,3 +22,5 @@ ORXCanonicalValue ORXCanonicalForm::option(std::string_view typeText, std::optio
   if (value) fields.emplace_back("value", std::move(*value));
   return ORXCanonicalValue::object(std::move(fields));
 }
+
+}  // namespace ravo::orx

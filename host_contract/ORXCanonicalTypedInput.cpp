@@ -1,7 +1,9 @@
-#include "host_contract/ORXCanonicalTypedInput.h"
+#include <ravo-orx/host_contract/ORXCanonicalTypedInput.h>
 
-#include "host_contract/ORXCanonicalForm.h"
-#include "host_contract/ORXSortedUnique.h"
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+#include <ravo-orx/host_contract/ORXSortedUnique.h>
+
+namespace ravo::orx {
 
 ORXCanonicalTypedInput::ORXCanonicalTypedInput(std::vector<ORXCapabilityObservation> observations)
     : observations_(orxSortedUnique(
@@ -12,3 +14,5 @@ ORXCanonicalTypedInput::ORXCanonicalTypedInput(std::vector<ORXCapabilityObservat
 ORXCanonicalValue ORXCanonicalTypedInput::canonicalValue() const {
   return ORXCanonicalValue::object({{"observations", ORXCanonicalForm::array(observations_)}});
 }
+
+}  // namespace ravo::orx

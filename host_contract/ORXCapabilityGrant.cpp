@@ -1,8 +1,10 @@
-#include "host_contract/ORXCapabilityGrant.h"
+#include <ravo-orx/host_contract/ORXCapabilityGrant.h>
 
-#include "core/ORXValidation.h"
-#include "host_contract/ORXCanonicalForm.h"
-#include "host_contract/ORXDecisionIntent.h"
+#include <ravo-orx/core/ORXValidation.h>
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+#include <ravo-orx/host_contract/ORXDecisionIntent.h>
+
+namespace ravo::orx {
 
 ORXCapabilityGrant::ORXCapabilityGrant(std::vector<ORXBudget> budgets, std::string capability,
                                        ORXDigest constraintsDigest, ORXDeadline deadline,
@@ -31,3 +33,5 @@ ORXCanonicalValue ORXCapabilityGrant::canonicalValue() const {
       {"scope", scope_.canonicalValue()},
   });
 }
+
+}  // namespace ravo::orx

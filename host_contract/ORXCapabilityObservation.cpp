@@ -1,8 +1,10 @@
-#include "host_contract/ORXCapabilityObservation.h"
+#include <ravo-orx/host_contract/ORXCapabilityObservation.h>
 
-#include "core/ORXError.h"
-#include "core/ORXValidation.h"
-#include "host_contract/ORXCanonicalForm.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXValidation.h>
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+
+namespace ravo::orx {
 
 ORXCapabilityObservation::ORXCapabilityObservation(ORXGenerationFence generation, ORXDigest logicalObservationID,
                                                    ORXDigest observationID, std::string observationType,
@@ -33,3 +35,5 @@ ORXCanonicalValue ORXCapabilityObservation::canonicalValue() const {
       {"source_class", sourceClass_.canonicalValue()},
   });
 }
+
+}  // namespace ravo::orx

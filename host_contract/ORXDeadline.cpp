@@ -1,7 +1,9 @@
-#include "host_contract/ORXDeadline.h"
+#include <ravo-orx/host_contract/ORXDeadline.h>
 
-#include "core/ORXError.h"
-#include "core/ORXValidation.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXValidation.h>
+
+namespace ravo::orx {
 
 ORXDeadlineValue::ORXDeadlineValue(std::string clockDomain, std::int64_t notAfterNanoseconds,
                                    std::int64_t nowNanoseconds)
@@ -20,3 +22,5 @@ ORXCanonicalValue ORXDeadlineValue::canonicalValue() const {
       {"now_ns", ORXCanonicalForm::i64(nowNanoseconds_)},
   });
 }
+
+}  // namespace ravo::orx

@@ -1,6 +1,8 @@
-#include "host_contract/ORXDecision.h"
+#include <ravo-orx/host_contract/ORXDecision.h>
 
-#include "core/ORXError.h"
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
 
 ORXDecision::ORXDecision(ORXDecisionOutcome outcome, std::optional<ORXFailureReason> reason,
                          ORXDigest evidenceDigest, ORXGenerationFence generation)
@@ -9,3 +11,5 @@ ORXDecision::ORXDecision(ORXDecisionOutcome outcome, std::optional<ORXFailureRea
     throw ORXError::invalid("orx.v051.decision_evidence_invalid", "deny requires a reason and allow/limit require none");
   }
 }
+
+}  // namespace ravo::orx

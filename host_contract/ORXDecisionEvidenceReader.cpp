@@ -8,10 +8,12 @@
 #include <optional>
 #include <set>
 
-#include "core/ORXCanonicalJSON.h"
-#include "core/ORXError.h"
-#include "core/ORXValidation.h"
-#include "host_contract/ORXDecisionEvidenceRecord.h"
+#include <ravo-orx/core/ORXCanonicalJSON.h>
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXValidation.h>
+#include <ravo-orx/host_contract/ORXDecisionEvidenceRecord.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -214,3 +216,5 @@ ORXDecisionEvidenceRecord ORXDecisionEvidenceRecord::parseCanonicalBytes(std::st
 ORXDecisionEvidenceRecord ORXDecisionEvidenceRecord::parseCanonicalBytes(std::span<const std::uint8_t> bytes) {
   return parseCanonicalBytes(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
+
+}  // namespace ravo::orx

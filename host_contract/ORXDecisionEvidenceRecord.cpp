@@ -1,9 +1,11 @@
-#include "host_contract/ORXDecisionEvidenceRecord.h"
+#include <ravo-orx/host_contract/ORXDecisionEvidenceRecord.h>
 
-#include "core/ORXABILane.h"
-#include "core/ORXError.h"
-#include "core/ORXValidation.h"
-#include "host_contract/ORXCanonicalForm.h"
+#include <ravo-orx/core/ORXABILane.h>
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXValidation.h>
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -80,3 +82,5 @@ void ORXDecisionEvidenceRecord::validateDiagnosticComponents(const ORXDecisionEv
                      requestedScope_ == intent.requestedScope() && generationFence_ == intent.generation();
   if (!bound) throw evidenceInvalid("DecisionEvidence component binding mismatch");
 }
+
+}  // namespace ravo::orx

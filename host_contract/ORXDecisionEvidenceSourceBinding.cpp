@@ -1,7 +1,9 @@
-#include "host_contract/ORXDecisionEvidenceSourceBinding.h"
+#include <ravo-orx/host_contract/ORXDecisionEvidenceSourceBinding.h>
 
-#include "core/ORXABILane.h"
-#include "core/ORXError.h"
+#include <ravo-orx/core/ORXABILane.h>
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
 
 ORXDecisionEvidenceSourceBinding::ORXDecisionEvidenceSourceBinding(std::string orxABILane,
                                                                    ORXDigest artifactBytesDigest,
@@ -17,3 +19,5 @@ ORXDecisionEvidenceSourceBinding::ORXDecisionEvidenceSourceBinding(std::string o
     throw ORXError::invalid("orx.v051.decision_evidence_invalid", "ORX ABI lane is invalid");
   }
 }
+
+}  // namespace ravo::orx

@@ -1,8 +1,10 @@
-#include "host_contract/ORXDecisionIntent.h"
+#include <ravo-orx/host_contract/ORXDecisionIntent.h>
 
-#include "core/ORXValidation.h"
-#include "host_contract/ORXCanonicalForm.h"
-#include "host_contract/ORXSortedUnique.h"
+#include <ravo-orx/core/ORXValidation.h>
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+#include <ravo-orx/host_contract/ORXSortedUnique.h>
+
+namespace ravo::orx {
 
 ORXDecisionIntent::ORXDecisionIntent(std::vector<ORXBudget> budgets, ORXDeadline deadline, std::string effectType,
                                      ORXGenerationFence generation, ORXDigest provenance,
@@ -41,3 +43,5 @@ ORXCanonicalValue ORXDecisionIntent::intentRecordValue() const {
 ORXCanonicalValue ORXDecisionIntent::canonicalValue() const {
   return ORXCanonicalValue::object({{"intent", intentRecordValue()}, {"requested_scope", requestedScope_.canonicalValue()}});
 }
+
+}  // namespace ravo::orx

@@ -1,9 +1,11 @@
-#include "host_contract/ORXEffectReceipt.h"
+#include <ravo-orx/host_contract/ORXEffectReceipt.h>
 
-#include "core/ORXError.h"
-#include "host_contract/ORXCanonicalForm.h"
-#include "host_contract/ORXDecisionIntent.h"
-#include "host_contract/ORXSortedUnique.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+#include <ravo-orx/host_contract/ORXDecisionIntent.h>
+#include <ravo-orx/host_contract/ORXSortedUnique.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -63,3 +65,5 @@ void ORXEffectReceipt::validateBinding(const ORXTrustedDecisionEvidence& trusted
     throw ORXError::invalid(kBindingInvalid, "EffectReceipt decision, intent, or generation binding mismatches");
   }
 }
+
+}  // namespace ravo::orx

@@ -1,8 +1,10 @@
-#include "host_contract/ORXGenerationFence.h"
+#include <ravo-orx/host_contract/ORXGenerationFence.h>
 
-#include "core/ORXError.h"
-#include "core/ORXValidation.h"
-#include "host_contract/ORXCanonicalForm.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXValidation.h>
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+
+namespace ravo::orx {
 
 ORXGenerationFence::ORXGenerationFence(std::string domain, std::int64_t epoch, ORXDigest fenceID)
     : domain_(ORXValidation::asciiIdentifier(domain, true, "generation domain")),
@@ -18,3 +20,5 @@ ORXCanonicalValue ORXGenerationFence::canonicalValue() const {
       {"fence_id", ORXCanonicalForm::digest(fenceID_)},
   });
 }
+
+}  // namespace ravo::orx

@@ -1,9 +1,11 @@
-#include "host_contract/ORXGrantScope.h"
+#include <ravo-orx/host_contract/ORXGrantScope.h>
 
-#include "core/ORXError.h"
-#include "core/ORXValidation.h"
-#include "host_contract/ORXCanonicalForm.h"
-#include "host_contract/ORXSortedUnique.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXValidation.h>
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+#include <ravo-orx/host_contract/ORXSortedUnique.h>
+
+namespace ravo::orx {
 
 ORXGrantScope::ORXGrantScope(std::vector<std::string> effectTypes, std::int64_t maxUses,
                              std::vector<ORXResourceClass> resourceClasses, std::string targetClass)
@@ -23,3 +25,5 @@ ORXCanonicalValue ORXGrantScope::canonicalValue() const {
       {"target_class", ORXCanonicalForm::text(targetClass_)},
   });
 }
+
+}  // namespace ravo::orx

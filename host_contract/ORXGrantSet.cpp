@@ -1,7 +1,9 @@
-#include "host_contract/ORXGrantSet.h"
+#include <ravo-orx/host_contract/ORXGrantSet.h>
 
-#include "host_contract/ORXCanonicalForm.h"
-#include "host_contract/ORXSortedUnique.h"
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+#include <ravo-orx/host_contract/ORXSortedUnique.h>
+
+namespace ravo::orx {
 
 ORXGrantSet::ORXGrantSet(std::vector<ORXCapabilityGrant> grants)
     : grants_(orxSortedUnique(
@@ -11,3 +13,5 @@ ORXGrantSet::ORXGrantSet(std::vector<ORXCapabilityGrant> grants)
 ORXCanonicalValue ORXGrantSet::canonicalValue() const {
   return ORXCanonicalValue::object({{"grants", ORXCanonicalForm::array(grants_)}});
 }
+
+}  // namespace ravo::orx

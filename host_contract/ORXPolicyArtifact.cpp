@@ -1,8 +1,10 @@
-#include "host_contract/ORXPolicyArtifact.h"
+#include <ravo-orx/host_contract/ORXPolicyArtifact.h>
 
-#include "core/ORXError.h"
-#include "core/ORXValidation.h"
-#include "host_contract/ORXCanonicalForm.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXValidation.h>
+#include <ravo-orx/host_contract/ORXCanonicalForm.h>
+
+namespace ravo::orx {
 
 ORXPolicyArtifact::ORXPolicyArtifact(std::string policyIdentity, ORXDigest policyInterfaceDigest,
                                      ORXDigest policySourceDigest, std::string policyVersion)
@@ -25,3 +27,5 @@ ORXCanonicalValue ORXPolicyArtifact::canonicalValue() const {
       {"policy_version", ORXCanonicalForm::text(policyVersion_)},
   });
 }
+
+}  // namespace ravo::orx

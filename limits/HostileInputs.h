@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string>
 
+namespace ravo::orx {
+
 namespace hostile_inputs {
 
 inline constexpr std::size_t kHundredMegabytes = 100u << 20;
@@ -76,3 +78,5 @@ inline std::string arrayOfRecords(std::size_t bytes) {
 }
 
 }  // namespace hostile_inputs
+
+}  // namespace ravo::orx

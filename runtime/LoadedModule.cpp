@@ -1,9 +1,11 @@
-#include "runtime/LoadedModule.h"
+#include <ravo-orx/runtime/LoadedModule.h>
 
 #include <new>
 
-#include "core/ORXSHA256.h"
-#include "runtime/RuntimeError.h"
+#include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/runtime/RuntimeError.h>
+
+namespace ravo::orx::internal {
 
 std::unique_ptr<LoadedModule> LoadedModule::instantiate(std::string_view name, std::span<const std::uint8_t> bytes,
                                                         bool allowPrecompiled) {
@@ -47,3 +49,5 @@ std::string_view orxCaseName(OrxExecutionTier value) {
   }
   return {};
 }
+
+}  // namespace ravo::orx::internal

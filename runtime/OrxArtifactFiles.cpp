@@ -1,4 +1,4 @@
-#include "runtime/OrxArtifactFiles.h"
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,7 +9,9 @@
 #include <cstring>
 #include <string>
 
-#include "runtime/RuntimeError.h"
+#include <ravo-orx/runtime/RuntimeError.h>
+
+namespace ravo::orx::internal {
 
 namespace {
 
@@ -74,3 +76,5 @@ std::vector<std::uint8_t> readArtifactFile(const std::filesystem::path& path) {
   bytes.resize(size);
   return bytes;
 }
+
+}  // namespace ravo::orx::internal

@@ -1,56 +1,81 @@
-#include "runtime/OrxEvidence.h"
+#include <ravo-orx/runtime/OrxEvidence.h>
 
 #include <set>
 
-#include "contracts/support/RavoJSON.h"
-#include "core/ORXSHA256.h"
-#include "runtime/OrxArtifactFiles.h"
-#include "runtime/OrxBuildConstants.h"
-#include "runtime/RuntimeError.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXJSONDocument.h>
+#include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
+#include <ravo-orx/runtime/OrxBuildConstants.h>
+#include <ravo-orx/runtime/RuntimeError.h>
+
+namespace ravo::orx::internal {
 
 namespace {
-
-constexpr std::string_view kGeneratedBy = "tools/build_orx.sh";
-constexpr std::string_view kProfile = "mock-output-v011";
-constexpr std::string_view kOrxAbi = "0.10";
-constexpr std::string_view kHostAbi = "0.11";
-constexpr std::string_view kPassing = "pass";
 
 bool matchesTable(const OrxBuildConstants::DigestTable& table, std::string_view name, const std::string& digest) {
   auto entry = table.find(name);
   return entry != table.end() && entry->second == digest;
 }
 
+// Decoding as a standard JSON decoder does: every listed key required with its type, unknown keys of
+// any type ignored. Messages name the value by its path ("evidence.modules[2].wasmSha256: missing
+// key"). A listed key written twice is refused: provenance must not depend on which one a reader keeps.
+[[noreturn]] void refuse(const std::string& path, std::string_view message) {
+  throw RuntimeError(path + ": " + std::string(message));
+}
+
+const ORXJSONDocument& required(const ORXJSONDocument& object, const std::string& path, const char* key) {
+  std::size_t count = 0;
+  const ORXJSONDocument* value = object.member(key, &count);
+  if (!value) refuse(path + "." + key, "missing key");
+  if (count > 1) refuse(path + "." + key, "duplicate key");
+  return *value;
+}
+
+void expectKind(const ORXJSONDocument& value, ORXJSONDocument::Kind kind, const std::string& path,
+                const char* expected) {
+  if (value.kind != kind) refuse(path, std::string("expected ") + expected + ", found " + std::string(value.describe()));
+}
+
+std::string text(const ORXJSONDocument& object, const std::string& path, const char* key) {
+  const ORXJSONDocument& value = required(object, path, key);
+  expectKind(value, ORXJSONDocument::Kind::string, path + "." + key, "a string");
+  return value.text;
+}
+
+OrxModuleEvidence decodeModule(const ORXJSONDocument& record, const std::string& path) {
+  expectKind(record, ORXJSONDocument::Kind::object, path, "an object");
+  return {text(record, path, "module"),       text(record, path, "orxAbi"),
+          text(record, path, "hostAbi"),      text(record, path, "compilerIdentity"),
+          text(record, path, "sourceSha256"), text(record, path, "packageManifestSha256"),
+          text(record, path, "wasmSha256"),   text(record, path, "packageCheckSha256"),
+          text(record, path, "packageCheckStatus")};
+}
+
 }  // namespace
 
-template <>
-struct RavoJSONCodec<OrxModuleEvidence> {
-  static OrxModuleEvidence decode(const RavoJSON& json, std::string_view context) {
-    RavoJSONObjectReader reader(json, context);
-    auto text = [&](const char* key) { return reader.required<std::string>(key); };
-    return {text("module"),       text("orxAbi"),
-            text("hostAbi"),      text("compilerIdentity"),
-            text("sourceSha256"), text("packageManifestSha256"),
-            text("wasmSha256"),   text("packageCheckSha256"),
-            text("packageCheckStatus")};
-  }
-};
-
 OrxEvidence OrxEvidence::decode(std::span<const std::uint8_t> json) {
+  ORXJSONDocument document;
   try {
-    const RavoJSON document =
-        parseRavoJSON(std::string_view(reinterpret_cast<const char*>(json.data()), json.size()));
-    RavoJSONObjectReader reader(document, "evidence");
-    return {reader.required<std::string>("generatedBy"), reader.required<std::string>("profile"),
-            reader.required<std::string>("compilerIdentity"), reader.required<std::string>("toolchainBundleSha256"),
-            reader.required<std::vector<OrxModuleEvidence>>("modules")};
-  } catch (const RavoJSONDecodingError& error) {
-    throw RuntimeError(error.what());
+    document = ORXJSONDocument::read(std::string_view(reinterpret_cast<const char*>(json.data()), json.size()));
+  } catch (const ORXError& error) {
+    throw RuntimeError("malformed JSON: " + error.message());
   }
+  const std::string path = "evidence";
+  expectKind(document, ORXJSONDocument::Kind::object, path, "an object");
+  OrxEvidence evidence{text(document, path, "generatedBy"), text(document, path, "profile"),
+                       text(document, path, "compilerIdentity"), text(document, path, "toolchainBundleSha256"), {}};
+  const ORXJSONDocument& modules = required(document, path, "modules");
+  expectKind(modules, ORXJSONDocument::Kind::array, path + ".modules", "an array");
+  for (std::size_t i = 0; i < modules.items.size(); ++i) {
+    evidence.modules.push_back(decodeModule(modules.items[i], path + ".modules[" + std::to_string(i) + "]"));
+  }
+  return evidence;
 }
 
 void verifyBuildProvenance(const OrxEvidence& evidence) {
-  if (evidence.generatedBy != kGeneratedBy || evidence.profile != kProfile ||
+  if (evidence.generatedBy != kOrxEvidenceGeneratedBy || evidence.profile != kOrxEvidenceProfile ||
       evidence.compilerIdentity != OrxBuildConstants::compilerIdentity() ||
       evidence.toolchainBundleSha256 != OrxBuildConstants::toolchainBundleSha256()) {
     throw RuntimeError("ORX build provenance is not approved by this Ravo build");
@@ -71,10 +96,10 @@ OrxVerifiedModuleBytes verifyModuleArtifacts(std::string_view name, const std::f
     }
   }
   const std::string moduleName(name);
-  if (matches != 1 || record->packageCheckStatus != kPassing) {
+  if (matches != 1 || record->packageCheckStatus != kOrxPackageCheckPassing) {
     throw RuntimeError("Missing passing package-check evidence for " + moduleName);
   }
-  if (record->orxAbi != kOrxAbi || record->hostAbi != kHostAbi ||
+  if (record->orxAbi != kOrxAbiLane || record->hostAbi != kOrxHostAbiLane ||
       record->compilerIdentity != OrxBuildConstants::compilerIdentity() ||
       !matchesTable(OrxBuildConstants::expectedSourceDigests(), name, record->sourceSha256) ||
       !matchesTable(OrxBuildConstants::expectedManifestDigests(), name, record->packageManifestSha256)) {
@@ -83,13 +108,15 @@ OrxVerifiedModuleBytes verifyModuleArtifacts(std::string_view name, const std::f
   if (!matchesTable(OrxBuildConstants::expectedDigests(), name, record->wasmSha256)) {
     throw RuntimeError("ORX evidence is not approved by this Ravo build");
   }
-  if (ORXSHA256::hex(readArtifactFile(directory / (moduleName + ".package-check.json"))) != record->packageCheckSha256) {
+  if (ORXSHA256::hex(readArtifactFile(directory / (moduleName + std::string(kOrxPackageCheckFileSuffix)))) != record->packageCheckSha256) {
     throw RuntimeError("ORX package-check digest mismatch for " + moduleName);
   }
-  OrxVerifiedModuleBytes module{readArtifactFile(directory / (moduleName + ".wasm")), {}};
+  OrxVerifiedModuleBytes module{readArtifactFile(directory / (moduleName + std::string(kOrxModuleFileSuffix))), {}};
   module.digest = ORXSHA256::hex(module.bytes);
   if (!matchesTable(OrxBuildConstants::expectedDigests(), name, module.digest)) {
     throw RuntimeError("ORX artifact digest mismatch for " + moduleName);
   }
   return module;
 }
+
+}  // namespace ravo::orx::internal

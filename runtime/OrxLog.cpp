@@ -1,8 +1,10 @@
-#include "runtime/OrxLog.h"
+#include <ravo-orx/runtime/OrxLog.h>
 
 #include <cstdio>
 #include <mutex>
 #include <string>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -42,3 +44,5 @@ void orxLog(OrxLogLevel level, std::string_view message) {
     writeToStandardError(level, message);
   }
 }
+
+}  // namespace ravo::orx

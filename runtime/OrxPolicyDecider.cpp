@@ -1,8 +1,10 @@
-#include "runtime/OrxPolicyDecider.h"
+#include <ravo-orx/runtime/OrxPolicyDecider.h>
 
 #include <string_view>
 
-#include "runtime/OrxLog.h"
+#include <ravo-orx/runtime/OrxLog.h>
+
+namespace ravo::orx::internal {
 
 namespace {
 
@@ -80,7 +82,7 @@ OrxSourcedDecision<Decision> OrxPolicyDecider::fail(Decision failSafe, OrxDecisi
   return {failSafe, source};
 }
 
-OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyDecider::authorizeWithSource(const AuthorizationFacts& facts) {
+OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyDecider::authorizeWithSource(const AuthorizationFacts& facts) noexcept {
   std::lock_guard guard(lock_);
   if (!modules_.authorization) {
     return fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::moduleUnavailable);
@@ -104,7 +106,7 @@ OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyDecider::authorizeWithSour
   return {{result == 1, *reason, policyVersion}, OrxDecisionSource::policy};
 }
 
-OrxSourcedDecision<OrxSyncDecision> OrxPolicyDecider::correctSyncWithSource(const SyncFacts& facts) {
+OrxSourcedDecision<OrxSyncDecision> OrxPolicyDecider::correctSyncWithSource(const SyncFacts& facts) noexcept {
   std::lock_guard guard(lock_);
   if (!modules_.sync) return fail(OrxSyncDecision::hold(), OrxDecisionSource::moduleUnavailable);
   const auto arguments = facts.arguments();
@@ -123,7 +125,7 @@ OrxSourcedDecision<OrxSyncDecision> OrxPolicyDecider::correctSyncWithSource(cons
 }
 
 OrxSourcedDecision<OrxCinemaAdmissionDecision> OrxPolicyDecider::decideCinemaAdmissionWithSource(
-    const CinemaAdmissionFacts& facts) {
+    const CinemaAdmissionFacts& facts) noexcept {
   std::lock_guard guard(lock_);
   if (!modules_.cinemaAdmission) {
     return fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::moduleUnavailable);
@@ -174,3 +176,5 @@ bool OrxPolicyDecider::isValidCinemaAdmissionOutput(OrxCinemaAdmissionRoute rout
   }
   return false;
 }
+
+}  // namespace ravo::orx::internal

@@ -1,4 +1,6 @@
-#include "runtime/OrxPolicyDecisions.h"
+#include <ravo-orx/runtime/OrxPolicyDecisions.h>
+
+namespace ravo::orx {
 
 std::string_view orxCaseName(OrxAuthorizationReason value) {
   using R = OrxAuthorizationReason;
@@ -62,3 +64,5 @@ std::string_view orxCaseName(OrxDecisionSource value) {
   }
   return {};
 }
+
+}  // namespace ravo::orx

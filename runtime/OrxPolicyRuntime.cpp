@@ -1,4 +1,4 @@
-#include "runtime/OrxPolicyRuntime.h"
+#include <ravo-orx/runtime/OrxPolicyRuntime.h>
 
 #include <unistd.h>
 
@@ -6,10 +6,15 @@
 #include <system_error>
 #include <vector>
 
-#include "runtime/OrxArtifactFiles.h"
-#include "runtime/OrxEvidence.h"
-#include "runtime/OrxLog.h"
-#include "runtime/RuntimeError.h"
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
+#include <ravo-orx/runtime/OrxEvidence.h>
+#include <ravo-orx/runtime/OrxLog.h>
+#include <ravo-orx/runtime/OrxPolicyDecider.h>
+#include <ravo-orx/runtime/RuntimeError.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -34,21 +39,18 @@ std::optional<std::filesystem::path> executablePath() {
   return path;
 }
 
-}  // namespace
+struct Loaded {
+  OrxPolicyModules modules;
+  std::optional<std::string> loadError;
+};
 
-OrxPolicyRuntime::OrxPolicyRuntime(std::optional<std::filesystem::path> artifactsDirectory)
-    : OrxPolicyRuntime(load(artifactsDirectory)) {}
-
-OrxPolicyRuntime::OrxPolicyRuntime(Loaded loaded)
-    : loadError_(std::move(loaded.loadError)), decider_(std::move(loaded.modules)) {}
-
-OrxPolicyRuntime::Loaded OrxPolicyRuntime::load(const std::optional<std::filesystem::path>& artifactsDirectory) {
+Loaded load(const std::optional<std::filesystem::path>& artifactsDirectory) {
   Loaded loaded;
   std::filesystem::path directory;
   OrxEvidence evidence;
   try {
-    directory = artifactsDirectory ? *artifactsDirectory : locateArtifacts();
-    evidence = OrxEvidence::decode(readArtifactFile(directory / "evidence.json"));
+    directory = artifactsDirectory ? *artifactsDirectory : OrxPolicyRuntime::locateArtifacts();
+    evidence = OrxEvidence::decode(readArtifactFile(directory / kOrxEvidenceFile));
     verifyBuildProvenance(evidence);
   } catch (const std::exception& error) {
     // Top-level evidence is all or nothing: no module loads.
@@ -75,8 +77,54 @@ OrxPolicyRuntime::Loaded OrxPolicyRuntime::load(const std::optional<std::filesys
   return loaded;
 }
 
+}  // namespace
+
+OrxPolicyRuntime::OrxPolicyRuntime(std::optional<std::filesystem::path> artifactsDirectory) {
+  Loaded loaded = load(artifactsDirectory);
+  loadError_ = std::move(loaded.loadError);
+  decider_ = std::make_unique<OrxPolicyDecider>(std::move(loaded.modules));
+}
+
+OrxPolicyRuntime::~OrxPolicyRuntime() = default;
+
+bool OrxPolicyRuntime::isAuthorizationAvailable() const noexcept { return decider_->isAuthorizationAvailable(); }
+bool OrxPolicyRuntime::isSyncAvailable() const noexcept { return decider_->isSyncAvailable(); }
+bool OrxPolicyRuntime::isCinemaAdmissionAvailable() const noexcept { return decider_->isCinemaAdmissionAvailable(); }
+std::string OrxPolicyRuntime::statusDescription() const { return decider_->statusDescription(); }
+std::string OrxPolicyRuntime::executionTiers() const { return decider_->executionTiers(); }
+std::uint64_t OrxPolicyRuntime::failureCount() const noexcept { return decider_->failureCount(); }
+
+OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyRuntime::authorizeWithSource(
+    const AuthorizationFacts& facts) noexcept {
+  return decider_->authorizeWithSource(facts);
+}
+
+OrxSourcedDecision<OrxSyncDecision> OrxPolicyRuntime::correctSyncWithSource(const SyncFacts& facts) noexcept {
+  return decider_->correctSyncWithSource(facts);
+}
+
+OrxSourcedDecision<OrxCinemaAdmissionDecision> OrxPolicyRuntime::decideCinemaAdmissionWithSource(
+    const CinemaAdmissionFacts& facts) noexcept {
+  return decider_->decideCinemaAdmissionWithSource(facts);
+}
+
+bool OrxPolicyRuntime::isValidHostSyncOutput(OrxSyncAction action, std::int32_t rateX1000,
+                                             std::int32_t correctionMilliseconds, std::int32_t reason) noexcept {
+  return OrxPolicyDecider::isValidHostSyncOutput(action, rateX1000, correctionMilliseconds, reason);
+}
+
+bool OrxPolicyRuntime::isValidCinemaAdmissionOutput(OrxCinemaAdmissionRoute route,
+                                                    std::int32_t sparseAnchorIntervalFrames,
+                                                    std::int32_t safeBudgetTenthsMilliseconds,
+                                                    OrxCinemaAdmissionReason reason) noexcept {
+  return OrxPolicyDecider::isValidCinemaAdmissionOutput(route, sparseAnchorIntervalFrames,
+                                                        safeBudgetTenthsMilliseconds, reason);
+}
+
 std::filesystem::path OrxPolicyRuntime::locateArtifacts() {
-  // A Linux process has no application bundle, so the bundle's resource directory is never a candidate.
+  // Where an application bundle exists, its resource directory comes first; a Linux process has none,
+  // so the search starts in the working directory. "Resources/ORX" two levels above the executable is
+  // the bundle layout the Orx build also produces outside a bundle.
   std::vector<std::filesystem::path> candidates;
   std::error_code error;
   if (auto current = std::filesystem::current_path(error); !error) candidates.push_back(current / "artifacts");
@@ -88,7 +136,9 @@ std::filesystem::path OrxPolicyRuntime::locateArtifacts() {
   }
   candidates.push_back(ORX_INSTALLED_ARTIFACTS);
   for (const auto& candidate : candidates) {
-    if (std::filesystem::exists(candidate / "evidence.json", error)) return candidate;
+    if (std::filesystem::exists(candidate / kOrxEvidenceFile, error)) return candidate;
   }
   throw RuntimeError("Bundled ORX artifacts were not found");
 }
+
+}  // namespace ravo::orx

@@ -8,7 +8,14 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/pixmor/PixmorORXHost.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXHost.h>
+
+namespace ravo::orx {
+
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);

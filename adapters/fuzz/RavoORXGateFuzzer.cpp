@@ -9,9 +9,11 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/gate/RavoORXActionGateAdapter.h"
-#include "adapters/gate/RavoORXGate.h"
-#include "core/ORXError.h"
+#include <ravo-orx/adapters/gate/RavoORXActionGateAdapter.h>
+#include <ravo-orx/adapters/gate/RavoORXGate.h>
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -25,6 +27,10 @@ T take(std::string_view& input) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string_view input(reinterpret_cast<const char*>(data), size);

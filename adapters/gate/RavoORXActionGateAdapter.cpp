@@ -1,6 +1,8 @@
-#include "adapters/gate/RavoORXActionGateAdapter.h"
+#include <ravo-orx/adapters/gate/RavoORXActionGateAdapter.h>
 
-#include "adapters/gate/RavoORXGate.h"
+#include <ravo-orx/adapters/gate/RavoORXGate.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -67,3 +69,5 @@ RavoActionGateResult RavoORXActionGateAdapter::evaluate(const RavoApplicationAct
   }
   return RavoActionGateResult::allow(RavoActionGateLevel::hostGrant, "orx.shadow_canonicalized");
 }
+
+}  // namespace ravo::orx

@@ -1,11 +1,13 @@
-#include "adapters/gate/RavoORXGate.h"
+#include <ravo-orx/adapters/gate/RavoORXGate.h>
 
 #include <algorithm>
 #include <string>
 
-#include "contracts/actions/RavoWallClock.h"
-#include "contracts/support/RavoUUID.h"
-#include "core/ORXValidation.h"
+#include <ravo-orx/contracts/actions/RavoWallClock.h>
+#include <ravo-orx/contracts/support/RavoUUID.h>
+#include <ravo-orx/core/ORXValidation.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -103,3 +105,5 @@ RavoAIProgressEvent RavoORXGate::progressEvent(const RavoORXActionProposal& prop
   return RavoAIProgressEvent(RavoUUID::random(), sequence, phase, ravoORXProgressOperation(proposal.effect()),
                              static_cast<std::int32_t>(proposal.source()), ravoWallClockNow());
 }
+
+}  // namespace ravo::orx

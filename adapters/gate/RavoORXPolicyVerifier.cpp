@@ -1,12 +1,14 @@
-#include "adapters/gate/RavoORXPolicyVerifier.h"
+#include <ravo-orx/adapters/gate/RavoORXPolicyVerifier.h>
 
 #include <algorithm>
 #include <limits>
 #include <stdexcept>
 #include <string_view>
 
-#include "adapters/gate/RavoORXCapability.h"
-#include "adapters/gate/RavoORXEffect.h"
+#include <ravo-orx/adapters/gate/RavoORXCapability.h>
+#include <ravo-orx/adapters/gate/RavoORXEffect.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -117,3 +119,5 @@ bool RavoORXPolicyVerifier::operator()(const RavoORXShadowCandidate& candidate,
     return false;
   }
 }
+
+}  // namespace ravo::orx

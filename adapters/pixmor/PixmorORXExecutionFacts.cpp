@@ -1,4 +1,6 @@
-#include "adapters/pixmor/PixmorORXExecutionFacts.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXExecutionFacts.h>
+
+namespace ravo::orx {
 
 RavoJSON PixmorORXExecutionFacts::toJSON() const {
   return RavoJSONObjectWriter()
@@ -15,3 +17,5 @@ PixmorORXExecutionFacts PixmorORXExecutionFacts::fromJSON(const RavoJSON& json) 
                                  reader.required<std::int64_t>("thermalClass"),
                                  reader.required<std::int64_t>("memoryPressure")};
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,6 @@
-#include "adapters/pixmor/PixmorORXExecutionPolicy.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXExecutionPolicy.h>
+
+namespace ravo::orx {
 
 RavoJSON PixmorORXExecutionPolicy::toJSON() const {
   return RavoJSONObjectWriter()
@@ -16,3 +18,5 @@ PixmorORXExecutionPolicy PixmorORXExecutionPolicy::fromJSON(const RavoJSON& json
                                   reader.required<bool>("preferGPUPreview"),
                                   reader.required<bool>("requiresUserConfirmation")};
 }
+
+}  // namespace ravo::orx

@@ -12,7 +12,9 @@
 #include <unicode/locid.h>
 #include <unicode/unistr.h>
 
-#include "adapters/pixmor/PixmorORXHost.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXHost.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -79,3 +81,5 @@ PixmorORXResponse PixmorORXHost::fallback(const PixmorORXRequest& request, std::
        "Preview changes are bounded and keep the source untouched.", "Export remains a separate explicit action."},
       std::move(explanation), PixmorORXResponseOrigin::localFallback, std::string(reason));
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,4 @@
-#include "adapters/pixmor/PixmorORXHost.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXHost.h>
 
 #include <algorithm>
 #include <chrono>
@@ -10,7 +10,9 @@
 #include <thread>
 #include <utility>
 
-#include "adapters/pixmor/PixmorORXHostError.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXHostError.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -110,3 +112,5 @@ PixmorORXResponse PixmorORXHost::propose(const PixmorORXRequest& request) const 
   report(telemetry_, request.ability(), outcome, start);
   return fallback(request, reason);
 }
+
+}  // namespace ravo::orx

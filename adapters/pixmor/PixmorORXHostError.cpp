@@ -1,4 +1,6 @@
-#include "adapters/pixmor/PixmorORXHostError.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXHostError.h>
+
+namespace ravo::orx {
 
 const char* PixmorORXHostError::what() const noexcept {
   switch (code_) {
@@ -8,3 +10,5 @@ const char* PixmorORXHostError::what() const noexcept {
   }
   return "Pixmor ORX host error";
 }
+
+}  // namespace ravo::orx

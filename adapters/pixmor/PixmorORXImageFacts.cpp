@@ -1,4 +1,6 @@
-#include "adapters/pixmor/PixmorORXImageFacts.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXImageFacts.h>
+
+namespace ravo::orx {
 
 RavoJSON PixmorORXImageFacts::toJSON() const {
   return RavoJSONObjectWriter()
@@ -16,3 +18,5 @@ PixmorORXImageFacts PixmorORXImageFacts::fromJSON(const RavoJSON& json) {
                              reader.required<bool>("hasRAWSource"), reader.required<bool>("hasPeople"),
                              reader.required<std::int64_t>("estimatedNoise")};
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,6 @@
-#include "adapters/pixmor/PixmorORXNodeDefaults.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXNodeDefaults.h>
+
+namespace ravo::orx {
 
 RavoJSON PixmorORXNodeDefaults::toJSON() const {
   return RavoJSONObjectWriter().add("nodeKind", nodeKind_).add("values", values_).take();
@@ -9,3 +11,5 @@ PixmorORXNodeDefaults PixmorORXNodeDefaults::fromJSON(const RavoJSON& json) {
   return PixmorORXNodeDefaults{reader.required<std::string>("nodeKind"),
                                reader.required<std::map<std::string, double>>("values")};
 }
+
+}  // namespace ravo::orx

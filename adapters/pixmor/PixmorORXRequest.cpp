@@ -1,6 +1,8 @@
-#include "adapters/pixmor/PixmorORXRequest.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXRequest.h>
 
 #include <utility>
+
+namespace ravo::orx {
 
 PixmorORXRequest::PixmorORXRequest(PixmorORXAbility ability, std::string intent,
                                    std::vector<std::string> currentPipelineNodeKinds,
@@ -46,3 +48,5 @@ PixmorORXRequest PixmorORXRequest::fromJSON(const RavoJSON& json) {
                           reader.required<PixmorORXImageFacts>("imageFacts"),
                           reader.required<PixmorORXExecutionFacts>("executionFacts")};
 }
+
+}  // namespace ravo::orx

@@ -1,7 +1,9 @@
-#include "adapters/pixmor/PixmorORXResponse.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXResponse.h>
 
 #include <string>
 #include <utility>
+
+namespace ravo::orx {
 
 PixmorORXResponse::PixmorORXResponse(std::string schema, RavoUUID requestID, PixmorORXAbility ability,
                                      std::vector<std::string> pipelineNodeKinds,
@@ -60,3 +62,5 @@ PixmorORXResponse PixmorORXResponse::fromJSONText(std::string_view text) {
   }
   return RavoJSONCodec<PixmorORXResponse>::decode(parseRavoJSON(text), "PixmorORXResponse");
 }
+
+}  // namespace ravo::orx

@@ -6,9 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "adapters/pixmor/PixmorORXHost.h"
-#include "adapters/pixmor/PixmorORXVocabulary.h"
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXHost.h>
+#include <ravo-orx/adapters/pixmor/PixmorORXVocabulary.h>
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -65,3 +67,5 @@ bool PixmorORXHost::isValid(const PixmorORXResponse& response, const PixmorORXRe
          response.guidedSteps().size() <= maximumGuidedSteps && std::ranges::all_of(response.guidedSteps(), stepFits) &&
          policyFits(response.executionPolicy());
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,6 @@
-#include "adapters/pixmor/PixmorORXTelemetryEvent.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXTelemetryEvent.h>
+
+namespace ravo::orx {
 
 RavoJSON PixmorORXTelemetryEvent::toJSON() const {
   return RavoJSONObjectWriter()
@@ -13,3 +15,5 @@ PixmorORXTelemetryEvent PixmorORXTelemetryEvent::fromJSON(const RavoJSON& json) 
   return PixmorORXTelemetryEvent{reader.required<PixmorORXAbility>("ability"), reader.required<Outcome>("outcome"),
                                  reader.required<std::int64_t>("durationMilliseconds")};
 }
+
+}  // namespace ravo::orx

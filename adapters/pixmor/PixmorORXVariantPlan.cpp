@@ -1,4 +1,6 @@
-#include "adapters/pixmor/PixmorORXVariantPlan.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXVariantPlan.h>
+
+namespace ravo::orx {
 
 RavoJSON PixmorORXVariantPlan::toJSON() const {
   return RavoJSONObjectWriter().add("name", name_).add("emphasis", emphasis_).take();
@@ -8,3 +10,5 @@ PixmorORXVariantPlan PixmorORXVariantPlan::fromJSON(const RavoJSON& json) {
   RavoJSONObjectReader reader(json, "PixmorORXVariantPlan");
   return PixmorORXVariantPlan{reader.required<std::string>("name"), reader.required<std::string>("emphasis")};
 }
+
+}  // namespace ravo::orx

@@ -1,7 +1,11 @@
-#include "adapters/pixmor/UnavailablePixmorORXTransport.h"
+#include <ravo-orx/adapters/pixmor/UnavailablePixmorORXTransport.h>
 
-#include "adapters/pixmor/PixmorORXHostError.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXHostError.h>
+
+namespace ravo::orx {
 
 std::string UnavailablePixmorORXTransport::execute(const PixmorORXRequest&, std::stop_token) {
   throw PixmorORXHostError(PixmorORXHostError::Code::unavailable);
 }
+
+}  // namespace ravo::orx

@@ -4,9 +4,11 @@
 #include <fstream>
 #include <map>
 
-#include "checks/OrxRuntimeCheckCatalog.h"
-#include "runtime/OrxLog.h"
+#include <ravo-orx/checks/OrxRuntimeCheckCatalog.h>
+#include <ravo-orx/runtime/OrxLog.h>
 #include "runtime/tests/ArtifactCopy.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -90,3 +92,5 @@ TEST_F(OrxRuntimeCheckCatalog, TamperChecksFailClosedWhenNoTemporaryDirectoryCan
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

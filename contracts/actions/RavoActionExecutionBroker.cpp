@@ -1,7 +1,9 @@
-#include "contracts/actions/RavoActionExecutionBroker.h"
+#include <ravo-orx/contracts/actions/RavoActionExecutionBroker.h>
 
 #include <algorithm>
 #include <stdexcept>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -186,3 +188,5 @@ RavoActionReceipt RavoActionExecutionBroker::execute(const RavoActionProposal& p
     return receipt(RavoActionReceiptOutcome::failed, "handler.failed", level, grantID);
   }
 }
+
+}  // namespace ravo::orx

@@ -1,6 +1,8 @@
-#include "contracts/actions/RavoActionGrant.h"
+#include <ravo-orx/contracts/actions/RavoActionGrant.h>
 
 #include <algorithm>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -34,3 +36,5 @@ bool RavoActionGrant::allowsCapability(const RavoScenarioCapability& capability)
 bool RavoActionGrant::allowsStableTarget(const std::string& stableTargetID) const {
   return sortedContains(fields_.allowedStableTargetIDs, stableTargetID);
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,4 @@
-#include "contracts/actions/RavoActionIntentResolver.h"
+#include <ravo-orx/contracts/actions/RavoActionIntentResolver.h>
 
 #include <unicode/regex.h>
 #include <unicode/unistr.h>
@@ -9,8 +9,10 @@
 #include <memory>
 #include <optional>
 
-#include "contracts/actions/RavoPlayerActionIDs.h"
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/actions/RavoPlayerActionIDs.h>
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -107,3 +109,5 @@ RavoActionIntentResolution RavoActionIntentResolver::resolve(std::string_view te
       origin);
   return contained ? *contained : RavoActionIntentResolution::none();
 }
+
+}  // namespace ravo::orx

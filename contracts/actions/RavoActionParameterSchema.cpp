@@ -1,4 +1,4 @@
-#include "contracts/actions/RavoActionParameterSchema.h"
+#include <ravo-orx/contracts/actions/RavoActionParameterSchema.h>
 
 #include <algorithm>
 #include <charconv>
@@ -6,7 +6,9 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -125,3 +127,5 @@ RavoActionParameterSchema RavoActionParameterSchema::fromJSON(const RavoJSON& js
                  .defaultValue = reader.optional<RavoActionValue>("defaultValue")},
           AsStored{}};
 }
+
+}  // namespace ravo::orx

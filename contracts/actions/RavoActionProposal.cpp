@@ -1,4 +1,6 @@
-#include "contracts/actions/RavoActionProposal.h"
+#include <ravo-orx/contracts/actions/RavoActionProposal.h>
+
+namespace ravo::orx {
 
 RavoJSON RavoActionProposal::toJSON() const {
   return RavoJSONObjectWriter()
@@ -19,3 +21,5 @@ RavoActionProposal RavoActionProposal::fromJSON(const RavoJSON& json) {
   return {id, std::move(actionID), std::move(stableTargetID), std::move(arguments),
           reader.required<RavoActionProposalOrigin>("origin")};
 }
+
+}  // namespace ravo::orx

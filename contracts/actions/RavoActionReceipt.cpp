@@ -1,4 +1,6 @@
-#include "contracts/actions/RavoActionReceipt.h"
+#include <ravo-orx/contracts/actions/RavoActionReceipt.h>
+
+namespace ravo::orx {
 
 RavoJSON RavoActionReceipt::toJSON() const {
   return RavoJSONObjectWriter()
@@ -24,3 +26,5 @@ RavoActionReceipt RavoActionReceipt::fromJSON(const RavoJSON& json) {
                             .gateLevel = reader.optional<RavoActionGateLevel>("gateLevel"),
                             .stableTargetID = reader.optional<std::string>("stableTargetID")});
 }
+
+}  // namespace ravo::orx

@@ -1,7 +1,9 @@
-#include "contracts/actions/RavoActionValue.h"
+#include <ravo-orx/contracts/actions/RavoActionValue.h>
 
 #include <cmath>
 #include <stdexcept>
+
+namespace ravo::orx {
 
 namespace {
 constexpr const char* kNonFinite = "non-finite action number";
@@ -48,3 +50,5 @@ RavoActionValue RavoActionValue::fromJSON(const RavoJSON& json) {
   }
   ravo_json_detail::fail("RavoActionValue.kind", "unknown kind");
 }
+
+}  // namespace ravo::orx

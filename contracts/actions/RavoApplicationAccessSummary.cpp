@@ -1,7 +1,9 @@
-#include "contracts/actions/RavoApplicationAccessSummary.h"
+#include <ravo-orx/contracts/actions/RavoApplicationAccessSummary.h>
 
 #include <algorithm>
 #include <set>
+
+namespace ravo::orx {
 
 RavoApplicationAccessSummary::RavoApplicationAccessSummary(const RavoApplicationActionManifest& manifest)
     : applicationID_(manifest.applicationID()),
@@ -17,3 +19,5 @@ RavoApplicationAccessSummary::RavoApplicationAccessSummary(const RavoApplication
   }
   requestedCapabilities_.assign(capabilities.begin(), capabilities.end());
 }
+
+}  // namespace ravo::orx

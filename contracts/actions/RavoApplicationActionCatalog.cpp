@@ -1,7 +1,9 @@
-#include "contracts/actions/RavoApplicationActionCatalog.h"
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
 
 #include <algorithm>
 #include <array>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -159,3 +161,5 @@ const RavoApplicationActionDescriptor* RavoApplicationActionCatalog::descriptor(
 const RavoApplicationActionDescriptor* RavoApplicationActionCatalog::descriptor(const RavoScenarioNodeTypeID& nodeType) {
   return descriptor(RavoApplicationActionID(nodeType.rawValue()));
 }
+
+}  // namespace ravo::orx

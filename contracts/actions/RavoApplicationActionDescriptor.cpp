@@ -1,8 +1,10 @@
-#include "contracts/actions/RavoApplicationActionDescriptor.h"
+#include <ravo-orx/contracts/actions/RavoApplicationActionDescriptor.h>
 
 #include <algorithm>
 
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -121,3 +123,5 @@ RavoApplicationActionDescriptor RavoApplicationActionDescriptor::fromJSON(const 
                  .entryPoints = reader.required<std::vector<RavoActionEntryPoint>>("entryPoints")},
           AsStored{}};
 }
+
+}  // namespace ravo::orx

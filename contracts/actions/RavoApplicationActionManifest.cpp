@@ -1,6 +1,8 @@
-#include "contracts/actions/RavoApplicationActionManifest.h"
+#include <ravo-orx/contracts/actions/RavoApplicationActionManifest.h>
 
 #include <algorithm>
+
+namespace ravo::orx {
 
 RavoApplicationActionManifest::RavoApplicationActionManifest(RavoApplicationID applicationID, std::string displayName,
                                                              std::string version,
@@ -63,3 +65,5 @@ RavoApplicationActionManifest RavoApplicationActionManifest::fromJSON(const Ravo
   auto actions = reader.required<std::vector<RavoApplicationActionDescriptor>>("actions");
   return {std::move(applicationID), std::move(displayName), std::move(version), std::move(actions), AsStored{}};
 }
+
+}  // namespace ravo::orx

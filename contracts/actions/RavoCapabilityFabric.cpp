@@ -1,9 +1,11 @@
-#include "contracts/actions/RavoCapabilityFabric.h"
+#include <ravo-orx/contracts/actions/RavoCapabilityFabric.h>
 
 #include <algorithm>
 
-#include "contracts/actions/RavoApplicationActionCatalog.h"
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -124,3 +126,5 @@ std::vector<RavoApplicationActionDescriptor> RavoCapabilityFabric::shortlist(std
   for (std::size_t i = 0; i < count; ++i) shortlist.push_back(ranked[i].second->descriptor);
   return shortlist;
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,6 @@
-#include "contracts/actions/RavoDefaultActionSafeguard.h"
+#include <ravo-orx/contracts/actions/RavoDefaultActionSafeguard.h>
+
+namespace ravo::orx {
 
 RavoActionSafeguardResult RavoDefaultActionSafeguard::evaluate(
     const RavoApplicationActionDescriptor& descriptor, const RavoActionProposal& proposal,
@@ -15,3 +17,5 @@ RavoActionSafeguardResult RavoDefaultActionSafeguard::evaluate(
   if (confirmed) return RavoActionSafeguardResult::allow("safeguard.confirmed");
   return RavoActionSafeguardResult::requireConfirmation("safeguard.confirmation_required");
 }
+
+}  // namespace ravo::orx

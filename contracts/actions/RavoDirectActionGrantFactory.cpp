@@ -1,6 +1,8 @@
-#include "contracts/actions/RavoDirectActionGrantFactory.h"
+#include <ravo-orx/contracts/actions/RavoDirectActionGrantFactory.h>
 
 #include <chrono>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -33,3 +35,5 @@ RavoActionGrant RavoDirectActionGrantFactory::oneShot(const RavoApplicationActio
                           .expiresAt = now + lifetime,
                           .maxUses = 1});
 }
+
+}  // namespace ravo::orx

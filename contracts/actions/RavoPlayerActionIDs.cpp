@@ -1,4 +1,6 @@
-#include "contracts/actions/RavoPlayerActionIDs.h"
+#include <ravo-orx/contracts/actions/RavoPlayerActionIDs.h>
+
+namespace ravo::orx {
 
 #define RAVO_IDENTIFIER(Type, name, text)                \
   const Type& RavoPlayerActionIDs::name() {              \
@@ -19,3 +21,5 @@ RAVO_IDENTIFIER(RavoApplicationActionID, openPixmor, "ravo.ui.pixmor.open")
 RAVO_IDENTIFIER(RavoApplicationActionID, openKolto, "ravo.ui.kolto.open")
 
 #undef RAVO_IDENTIFIER
+
+}  // namespace ravo::orx

@@ -1,6 +1,8 @@
-#include "contracts/actions/RavoRemoteActionBroker.h"
+#include <ravo-orx/contracts/actions/RavoRemoteActionBroker.h>
 
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 std::optional<RavoRemotePlaybackTarget> RavoRemotePlaybackTarget::make(RavoRemotePlaybackSource source,
                                                                        std::uint64_t generation,
@@ -28,3 +30,5 @@ bool RavoRemoteActionBroker::acceptsCompletion(const RavoNativeActionRequest& re
                                                const std::optional<RavoRemotePlaybackTarget>& latestTarget) {
   return latestActionID == request.approval().actionID() && latestTarget == request.approval().target();
 }
+
+}  // namespace ravo::orx

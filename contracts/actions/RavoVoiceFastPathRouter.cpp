@@ -1,9 +1,11 @@
-#include "contracts/actions/RavoVoiceFastPathRouter.h"
+#include <ravo-orx/contracts/actions/RavoVoiceFastPathRouter.h>
 
 #include <set>
 
-#include "contracts/actions/RavoActionIntentResolver.h"
-#include "contracts/actions/RavoApplicationActionCatalog.h"
+#include <ravo-orx/contracts/actions/RavoActionIntentResolver.h>
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -33,3 +35,5 @@ void RavoVoiceFastPathRouter::dispatch(std::string_view text, const std::functio
     aiDrafting();
   }
 }
+
+}  // namespace ravo::orx

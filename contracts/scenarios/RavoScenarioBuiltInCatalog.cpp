@@ -1,6 +1,8 @@
-#include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioBuiltInCatalog.h>
 
-#include "contracts/actions/RavoApplicationActionCatalog.h"
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -79,3 +81,5 @@ const std::vector<RavoScenarioNodeDefinition>& RavoScenarioBuiltInCatalog::defin
   static const std::vector<RavoScenarioNodeDefinition> all = build();
   return all;
 }
+
+}  // namespace ravo::orx

@@ -3,17 +3,21 @@
 // general JSON writer's: \b \t \n \f \r \" \\ and \u00xx for other controls, everything else raw).
 // No JSON document is built on the way.
 
-#include "contracts/scenarios/RavoScenarioCanonicalizer.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioCanonicalizer.h>
 
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <string_view>
 
-#include "contracts/scenarios/RavoScenarioEncodingError.h"
-#include "core/ORXCanonicalTextOutput.h"
-#include "core/ORXSHA256.h"
-#include "core/ORXValidation.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioEncodingError.h>
+#include <ravo-orx/core/ORXCanonicalTextOutput.h>
+#include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/core/ORXValidation.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -207,3 +211,5 @@ std::string RavoScenarioCanonicalizer::digest(const RavoScenarioGraph& graph) {
   out.finish();
   return ORXSHA256::toHex(hash.finalize());
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,4 @@
-#include "contracts/scenarios/RavoScenarioCatalog.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioCatalog.h>
 
 #include <algorithm>
 #include <cstring>
@@ -7,7 +7,9 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "contracts/actions/RavoApplicationActionCatalog.h"
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -176,3 +178,5 @@ std::vector<RavoScenarioValidationIssue> RavoScenarioCatalog::validate(
   }
   return issues;
 }
+
+}  // namespace ravo::orx

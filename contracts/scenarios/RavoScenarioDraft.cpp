@@ -1,4 +1,6 @@
-#include "contracts/scenarios/RavoScenarioDraft.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioDraft.h>
+
+namespace ravo::orx {
 
 RavoJSON RavoScenarioDraft::toJSON() const {
   return RavoJSONObjectWriter()
@@ -17,3 +19,5 @@ RavoScenarioDraft RavoScenarioDraft::fromJSON(const RavoJSON& json) {
           reader.required<RavoScenarioActivationRequest>("activationRequest"),
           reader.required<RavoScenarioLifecycle>("lifecycle")};
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,6 @@
-#include "contracts/scenarios/RavoScenarioEdge.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioEdge.h>
+
+namespace ravo::orx {
 
 std::string RavoScenarioEdge::id() const {
   return fromNodeID_.uuidString() + ":" + outputKey_ + "->" + toNodeID_.uuidString() + ":" + inputKey_;
@@ -18,3 +20,5 @@ RavoScenarioEdge RavoScenarioEdge::fromJSON(const RavoJSON& json) {
   return {reader.required<RavoUUID>("fromNodeID"), reader.required<std::string>("outputKey"),
           reader.required<RavoUUID>("toNodeID"), reader.required<std::string>("inputKey")};
 }
+
+}  // namespace ravo::orx

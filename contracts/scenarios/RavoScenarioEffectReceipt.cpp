@@ -1,4 +1,6 @@
-#include "contracts/scenarios/RavoScenarioEffectReceipt.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioEffectReceipt.h>
+
+namespace ravo::orx {
 
 RavoJSON RavoScenarioEffectReceipt::toJSON() const {
   return RavoJSONObjectWriter()
@@ -20,3 +22,5 @@ RavoScenarioEffectReceipt RavoScenarioEffectReceipt::fromJSON(const RavoJSON& js
                                     .outcome = reader.required<Outcome>("outcome"),
                                     .reasonCode = reader.required<std::string>("reasonCode")});
 }
+
+}  // namespace ravo::orx

@@ -1,7 +1,9 @@
-#include "contracts/scenarios/RavoScenarioGraph.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioGraph.h>
 
 #include <algorithm>
 #include <string>
+
+namespace ravo::orx {
 
 RavoScenarioGraph::RavoScenarioGraph(std::vector<RavoScenarioNodeInstance> nodes, std::vector<RavoScenarioEdge> edges,
                                      std::vector<RavoScenarioCapability> requestedCapabilities)
@@ -32,3 +34,5 @@ RavoScenarioGraph RavoScenarioGraph::fromJSON(const RavoJSON& json) {
           reader.required<std::vector<RavoScenarioEdge>>("edges"),
           reader.required<std::vector<RavoScenarioCapability>>("requestedCapabilities"), AsStored{}};
 }
+
+}  // namespace ravo::orx

@@ -8,8 +8,12 @@
 #include <string_view>
 #include <vector>
 
-#include "contracts/scenarios/RavoScenarioGraph.h"
-#include "contracts/support/RavoWellFormedJSONReader.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioGraph.h>
+#include <ravo-orx/contracts/support/RavoWellFormedJSONReader.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -190,3 +194,5 @@ RavoScenarioGraph RavoScenarioGraph::fromJSONText(std::string_view text) {
   }
   return fromJSON(parseRavoJSON(text));
 }
+
+}  // namespace ravo::orx

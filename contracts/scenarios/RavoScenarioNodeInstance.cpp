@@ -1,6 +1,8 @@
-#include "contracts/scenarios/RavoScenarioNodeInstance.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioNodeInstance.h>
 
 #include <algorithm>
+
+namespace ravo::orx {
 
 RavoScenarioNodeInstance::RavoScenarioNodeInstance(RavoUUID id, RavoScenarioNodeTypeID nodeType,
                                                    std::string nodeVersion, std::vector<std::string> stableTargetIDs,
@@ -38,3 +40,5 @@ RavoScenarioNodeInstance RavoScenarioNodeInstance::fromJSON(const RavoJSON& json
           reader.optional<RavoScenarioActionBinding>("actionBinding"),
           AsStored{}};
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,6 @@
-#include "contracts/scenarios/RavoScenarioNodeReviewSummary.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioNodeReviewSummary.h>
+
+namespace ravo::orx {
 
 std::string RavoScenarioNodeReviewSummary::id() const {
   std::string text = nodeType_.rawValue() + "|" + nodeVersion_;
@@ -25,3 +27,5 @@ RavoScenarioNodeReviewSummary RavoScenarioNodeReviewSummary::fromJSON(const Ravo
   return {reader.required<RavoScenarioNodeTypeID>("nodeType"), reader.required<std::string>("nodeVersion"),
           reader.required<std::vector<std::string>>("stableTargetIDs")};
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,6 @@
-#include "contracts/scenarios/RavoScenarioNodeVersionChange.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioNodeVersionChange.h>
+
+namespace ravo::orx {
 
 std::string RavoScenarioNodeVersionChange::id() const {
   std::string text = nodeType_.rawValue();
@@ -21,3 +23,5 @@ RavoScenarioNodeVersionChange RavoScenarioNodeVersionChange::fromJSON(const Ravo
           reader.required<std::vector<std::string>>("stableTargetIDs"), reader.required<std::string>("fromVersion"),
           reader.required<std::string>("toVersion")};
 }
+
+}  // namespace ravo::orx

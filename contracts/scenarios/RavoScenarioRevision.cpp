@@ -1,6 +1,8 @@
-#include "contracts/scenarios/RavoScenarioRevision.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioRevision.h>
 
-#include "contracts/scenarios/RavoScenarioCanonicalizer.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioCanonicalizer.h>
+
+namespace ravo::orx {
 
 RavoScenarioRevision::RavoScenarioRevision(RavoUUID id, std::int64_t revision, RavoScenarioDraft draft)
     : id_(id),
@@ -32,3 +34,5 @@ RavoScenarioRevision RavoScenarioRevision::fromJSON(const RavoJSON& json) {
   auto draft = reader.required<RavoScenarioDraft>("draft");
   return {id, revision, std::move(draft), reader.required<std::string>("graphDigest")};
 }
+
+}  // namespace ravo::orx

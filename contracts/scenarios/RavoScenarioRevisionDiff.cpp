@@ -1,4 +1,6 @@
-#include "contracts/scenarios/RavoScenarioRevisionDiff.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioRevisionDiff.h>
+
+namespace ravo::orx {
 
 RavoJSON RavoScenarioRevisionDiff::toJSON() const {
   return RavoJSONObjectWriter()
@@ -35,3 +37,5 @@ RavoScenarioRevisionDiff RavoScenarioRevisionDiff::fromJSON(const RavoJSON& json
        .removedCapabilities = reader.required<Capabilities>("removedCapabilities"),
        .edgeCountDelta = reader.required<std::int64_t>("edgeCountDelta")});
 }
+
+}  // namespace ravo::orx

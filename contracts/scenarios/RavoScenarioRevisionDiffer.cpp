@@ -1,10 +1,12 @@
-#include "contracts/scenarios/RavoScenarioRevisionDiffer.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioRevisionDiffer.h>
 
 #include <algorithm>
 #include <map>
 #include <set>
 #include <unordered_map>
 #include <unordered_set>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -115,3 +117,5 @@ RavoScenarioRevisionDiff RavoScenarioRevisionDiffer::compare(const RavoScenarioR
                         static_cast<std::int64_t>(older.graph().edges().size()),
   });
 }
+
+}  // namespace ravo::orx

@@ -1,7 +1,9 @@
-#include "contracts/scenarios/RavoScenarioValidationIssue.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioValidationIssue.h>
 
 #include <array>
 #include <string_view>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -28,3 +30,5 @@ std::string RavoScenarioValidationIssue::description() const {
   std::string payload = std::visit(PayloadText{}, payload_);
   return payload.empty() ? text : text + "(" + payload + ")";
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,6 @@
-#include "contracts/services/RavoAIProgressEvent.h"
+#include <ravo-orx/contracts/services/RavoAIProgressEvent.h>
+
+namespace ravo::orx {
 
 RavoJSON RavoAIProgressEvent::toJSON() const {
   return RavoJSONObjectWriter()
@@ -20,3 +22,5 @@ RavoAIProgressEvent RavoAIProgressEvent::fromJSON(const RavoJSON& json) {
           reader.required<std::int32_t>("source"),
           reader.required<RavoTimePoint>("timestamp")};
 }
+
+}  // namespace ravo::orx

@@ -1,10 +1,12 @@
-#include "contracts/services/RavoHomeCommandProposal.h"
+#include <ravo-orx/contracts/services/RavoHomeCommandProposal.h>
 
 #include <cmath>
 #include <stdexcept>
 #include <utility>
 
-#include "contracts/support/RavoGraphemePrefix.h"
+#include <ravo-orx/contracts/support/RavoGraphemePrefix.h>
+
+namespace ravo::orx {
 
 RavoHomeCommandProposal::RavoHomeCommandProposal(RavoUUID id, RavoHomeProviderID providerID, std::string deviceID,
                                                  RavoHomeCommandKind kind, std::optional<bool> powerValue,
@@ -48,3 +50,5 @@ RavoHomeCommandProposal RavoHomeCommandProposal::fromJSON(const RavoJSON& json) 
                                  reader.optional<double>("scalarValue"),
                                  reader.required<bool>("requiresExplicitConfirmation")};
 }
+
+}  // namespace ravo::orx

@@ -1,6 +1,8 @@
-#include "contracts/services/RavoHomeCommandProposalValidator.h"
+#include <ravo-orx/contracts/services/RavoHomeCommandProposalValidator.h>
 
 #include <algorithm>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -47,3 +49,5 @@ std::vector<RavoHomeCommandProposalValidationIssue> RavoHomeCommandProposalValid
   }
   return issues;
 }
+
+}  // namespace ravo::orx

@@ -1,10 +1,12 @@
-#include "contracts/services/RavoHomeInventoryDevice.h"
+#include <ravo-orx/contracts/services/RavoHomeInventoryDevice.h>
 
 #include <algorithm>
 #include <utility>
 
-#include "contracts/support/RavoGraphemePrefix.h"
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/support/RavoGraphemePrefix.h>
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -67,3 +69,5 @@ RavoHomeInventoryDevice RavoHomeInventoryDevice::fromJSON(const RavoJSON& json) 
                                  reader.required<std::vector<RavoHomeInventoryCapability>>("capabilities"),
                                  reader.required<bool>("isReachable")};
 }
+
+}  // namespace ravo::orx

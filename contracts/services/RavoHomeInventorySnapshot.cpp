@@ -1,7 +1,9 @@
-#include "contracts/services/RavoHomeInventorySnapshot.h"
+#include <ravo-orx/contracts/services/RavoHomeInventorySnapshot.h>
 
 #include <algorithm>
 #include <utility>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -34,3 +36,5 @@ RavoHomeInventorySnapshot RavoHomeInventorySnapshot::fromJSON(const RavoJSON& js
                                    reader.required<RavoTimePoint>("capturedAt"),
                                    reader.required<std::vector<RavoHomeInventoryDevice>>("devices")};
 }
+
+}  // namespace ravo::orx

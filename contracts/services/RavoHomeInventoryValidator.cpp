@@ -1,9 +1,11 @@
-#include "contracts/services/RavoHomeInventoryValidator.h"
+#include <ravo-orx/contracts/services/RavoHomeInventoryValidator.h>
 
 #include <string_view>
 #include <unordered_set>
 
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 std::vector<RavoHomeInventoryValidationIssue> RavoHomeInventoryValidator::validate(
     const RavoHomeInventorySnapshot& snapshot) noexcept {
@@ -25,3 +27,5 @@ std::vector<RavoHomeInventoryValidationIssue> RavoHomeInventoryValidator::valida
   }
   return issues;
 }
+
+}  // namespace ravo::orx

@@ -1,6 +1,8 @@
-#include "contracts/services/RavoJSONScenarioDraftProposer.h"
+#include <ravo-orx/contracts/services/RavoJSONScenarioDraftProposer.h>
 
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -56,3 +58,5 @@ RavoScenarioDraftingResponse RavoJSONScenarioDraftProposer::parseAnswer(std::str
 RavoScenarioDraftingResponse RavoJSONScenarioDraftProposer::proposeDraft(const RavoScenarioDraftingRequest& request) {
   return parseAnswer(model_(prompt(request)), request);
 }
+
+}  // namespace ravo::orx

@@ -1,7 +1,9 @@
-#include "contracts/services/RavoKettleLoopbackPlan.h"
+#include <ravo-orx/contracts/services/RavoKettleLoopbackPlan.h>
 
 #include <algorithm>
 #include <chrono>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -96,3 +98,5 @@ RavoKettleLoopbackPlan RavoKettleLoopbackPlan::fromJSON(const RavoJSON& json) {
                                 reader.required<std::int64_t>("earlyNoticeSeconds"),
                                 reader.required<std::int64_t>("pollIntervalSeconds")};
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,6 @@
-#include "contracts/services/RavoKettleLoopbackTick.h"
+#include <ravo-orx/contracts/services/RavoKettleLoopbackTick.h>
+
+namespace ravo::orx {
 
 RavoJSON RavoKettleLoopbackTick::toJSON() const {
   return RavoJSONObjectWriter()
@@ -13,3 +15,5 @@ RavoKettleLoopbackTick RavoKettleLoopbackTick::fromJSON(const RavoJSON& json) {
   return RavoKettleLoopbackTick{reader.required<RavoKettleLoopbackPhase>("phase"),
                                 reader.optional<RavoTimePoint>("nextCheckAt"), reader.required<bool>("shouldNotify")};
 }
+
+}  // namespace ravo::orx

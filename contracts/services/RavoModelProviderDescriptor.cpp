@@ -1,4 +1,6 @@
-#include "contracts/services/RavoModelProviderDescriptor.h"
+#include <ravo-orx/contracts/services/RavoModelProviderDescriptor.h>
+
+namespace ravo::orx {
 
 const std::vector<RavoModelProviderDescriptor>& RavoModelProviderDescriptor::builtIns() {
   using Kind = RavoModelProviderKind;
@@ -37,3 +39,5 @@ RavoModelProviderDescriptor RavoModelProviderDescriptor::fromJSON(const RavoJSON
                                      reader.required<std::string>("displayName"),
                                      reader.required<bool>("requiresAuthentication")};
 }
+
+}  // namespace ravo::orx

@@ -1,6 +1,8 @@
-#include "contracts/services/RavoModelProviderLifecycleError.h"
+#include <ravo-orx/contracts/services/RavoModelProviderLifecycleError.h>
 
 #include <string>
+
+namespace ravo::orx {
 
 using State = RavoModelProviderState;
 
@@ -21,3 +23,5 @@ RavoModelProviderLifecycleError RavoModelProviderLifecycleError::localOnlyViolat
 RavoModelProviderLifecycleError RavoModelProviderLifecycleError::unavailable() {
   return {Code::unavailable, "model provider is unavailable"};
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,6 @@
-#include "contracts/services/RavoModelProviderRecord.h"
+#include <ravo-orx/contracts/services/RavoModelProviderRecord.h>
+
+namespace ravo::orx {
 
 using State = RavoModelProviderState;
 using Error = RavoModelProviderLifecycleError;
@@ -57,3 +59,5 @@ RavoModelProviderRecord RavoModelProviderRecord::fromJSON(const RavoJSON& json) 
   return RavoModelProviderRecord{reader.required<RavoModelProviderDescriptor>("descriptor"),
                                  reader.required<State>("state"), reader.required<bool>("authenticationConfirmed")};
 }
+
+}  // namespace ravo::orx

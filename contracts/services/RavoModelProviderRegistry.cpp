@@ -1,4 +1,6 @@
-#include "contracts/services/RavoModelProviderRegistry.h"
+#include <ravo-orx/contracts/services/RavoModelProviderRegistry.h>
+
+namespace ravo::orx {
 
 RavoModelProviderRegistry::RavoModelProviderRegistry(const std::vector<RavoModelProviderDescriptor>& descriptors) {
   for (const auto& descriptor : descriptors) {
@@ -32,3 +34,5 @@ RavoModelProviderRecord RavoModelProviderRegistry::transition(const RavoModelPro
   found->second = found->second.transition(to, authenticationConfirmed);
   return found->second;
 }
+
+}  // namespace ravo::orx

@@ -1,6 +1,8 @@
-#include "contracts/services/RavoScenarioDraftingNodeHint.h"
+#include <ravo-orx/contracts/services/RavoScenarioDraftingNodeHint.h>
 
 #include <algorithm>
+
+namespace ravo::orx {
 
 RavoScenarioDraftingNodeHint::RavoScenarioDraftingNodeHint(RavoScenarioNodeTypeID id, std::string version,
                                                            RavoScenarioNodeKind kind,
@@ -25,3 +27,5 @@ RavoScenarioDraftingNodeHint RavoScenarioDraftingNodeHint::fromJSON(const RavoJS
           reader.required<RavoScenarioNodeKind>("kind"),
           reader.required<std::vector<RavoActionParameterSchema>>("actionParameters"), AsStored{}};
 }
+
+}  // namespace ravo::orx

@@ -1,7 +1,9 @@
-#include "contracts/services/RavoScenarioDraftingRequest.h"
+#include <ravo-orx/contracts/services/RavoScenarioDraftingRequest.h>
 
 #include <algorithm>
 #include <tuple>
+
+namespace ravo::orx {
 
 RavoScenarioDraftingRequest::RavoScenarioDraftingRequest(RavoUUID id, std::int64_t generation, std::string userText,
                                                          bool localOnly,
@@ -15,3 +17,5 @@ RavoScenarioDraftingRequest::RavoScenarioDraftingRequest(RavoUUID id, std::int64
     return std::tie(a.id().rawValue(), a.version()) < std::tie(b.id().rawValue(), b.version());
   });
 }
+
+}  // namespace ravo::orx

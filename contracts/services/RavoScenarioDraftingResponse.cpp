@@ -1,7 +1,9 @@
-#include "contracts/services/RavoScenarioDraftingResponse.h"
+#include <ravo-orx/contracts/services/RavoScenarioDraftingResponse.h>
 
-#include "contracts/support/RavoGraphemePrefix.h"
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/support/RavoGraphemePrefix.h>
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 RavoScenarioDraftingResponse::RavoScenarioDraftingResponse(RavoUUID id, RavoUUID requestID, RavoScenarioDraft draft,
                                                            std::vector<std::string> unresolvedQuestions)
@@ -13,3 +15,5 @@ RavoScenarioDraftingResponse::RavoScenarioDraftingResponse(RavoUUID id, RavoUUID
     if (!cleaned.empty()) unresolvedQuestions_.push_back(std::move(cleaned));
   }
 }
+
+}  // namespace ravo::orx

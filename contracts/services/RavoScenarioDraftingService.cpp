@@ -1,8 +1,10 @@
-#include "contracts/services/RavoScenarioDraftingService.h"
+#include <ravo-orx/contracts/services/RavoScenarioDraftingService.h>
 
-#include "contracts/actions/RavoApplicationActionCatalog.h"
-#include "contracts/scenarios/RavoScenarioCatalog.h"
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioCatalog.h>
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -77,3 +79,5 @@ RavoScenarioDraftingOutcome RavoScenarioDraftingService::draft(std::string_view 
   return RavoScenarioDraftingOutcome::draft(
       {provider.descriptor().id(), std::move(normalised), response->unresolvedQuestions()});
 }
+
+}  // namespace ravo::orx

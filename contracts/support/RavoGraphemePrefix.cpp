@@ -1,4 +1,4 @@
-#include "contracts/support/RavoGraphemePrefix.h"
+#include <ravo-orx/contracts/support/RavoGraphemePrefix.h>
 
 #include <unicode/brkiter.h>
 #include <unicode/locid.h>
@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
+
+namespace ravo::orx {
 
 std::string ravoGraphemePrefix(std::string_view text, std::size_t maximum) {
   // Every character takes at least one byte, so short texts need no break iteration.
@@ -31,3 +33,5 @@ std::string ravoGraphemePrefix(std::string_view text, std::size_t maximum) {
   unicode.tempSubString(0, end).toUTF8String(prefix);
   return prefix;
 }
+
+}  // namespace ravo::orx

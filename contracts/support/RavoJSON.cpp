@@ -1,4 +1,6 @@
-#include "contracts/support/RavoJSON.h"
+#include <ravo-orx/contracts/support/RavoJSON.h>
+
+namespace ravo::orx {
 
 namespace ravo_json_detail {
 
@@ -75,3 +77,5 @@ std::string RavoJSONObjectReader::context(std::string_view key) const {
   text += key;
   return text;
 }
+
+}  // namespace ravo::orx

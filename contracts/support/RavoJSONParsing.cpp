@@ -11,8 +11,12 @@
 #include <utility>
 #include <vector>
 
-#include "contracts/support/RavoJSON.h"
-#include "contracts/support/RavoWellFormedJSONReader.h"
+#include <ravo-orx/contracts/support/RavoJSON.h>
+#include <ravo-orx/contracts/support/RavoWellFormedJSONReader.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -147,3 +151,5 @@ RavoJSON parseRavoJSON(std::string_view text) {
   }
   return builder.take();
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,4 @@
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
 
 #include <unicode/brkiter.h>
 #include <unicode/locid.h>
@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -142,3 +144,5 @@ std::vector<std::string> ravoTextTokens(std::string_view text) {
   closeToken(unicode.length());
   return tokens;
 }
+
+}  // namespace ravo::orx

@@ -1,8 +1,10 @@
-#include "contracts/support/RavoTime.h"
+#include <ravo-orx/contracts/support/RavoTime.h>
 
 #include <fmt/format.h>
 
 #include <cctype>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -98,3 +100,5 @@ std::optional<RavoTimePoint> parseRavoTime(std::string_view text) {
   }
   return RavoTimePoint{nanoseconds{count}};
 }
+
+}  // namespace ravo::orx

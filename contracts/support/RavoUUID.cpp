@@ -1,8 +1,10 @@
-#include "contracts/support/RavoUUID.h"
+#include <ravo-orx/contracts/support/RavoUUID.h>
 
 #include <uuid/uuid.h>
 
 #include <string_view>
+
+namespace ravo::orx {
 
 RavoUUID RavoUUID::random() {
   Bytes bytes;
@@ -41,7 +43,9 @@ std::string RavoUUID::uuidString() const {
   return std::string(text, 36);
 }
 
-size_t std::hash<RavoUUID>::operator()(const RavoUUID& uuid) const noexcept {
+}  // namespace ravo::orx
+
+size_t std::hash<ravo::orx::RavoUUID>::operator()(const ravo::orx::RavoUUID& uuid) const noexcept {
   return std::hash<std::string_view>{}(
       std::string_view(reinterpret_cast<const char*>(uuid.bytes().data()), uuid.bytes().size()));
 }

@@ -10,8 +10,15 @@
 #include <string>
 #include <string_view>
 
-#include "core/ORXCanonicalJSON.h"
-#include "core/ORXError.h"
+#include <ravo-orx/core/ORXCanonicalJSON.h>
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
+
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);

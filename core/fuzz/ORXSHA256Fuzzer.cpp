@@ -6,7 +6,9 @@
 #include <cstdlib>
 #include <span>
 
-#include "core/ORXSHA256.h"
+#include <ravo-orx/core/ORXSHA256.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -29,6 +31,10 @@ ORXSHA256::Digest atOnce(ORXSHA256::Engine engine, std::span<const std::uint8_t>
 }
 
 }  // namespace
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;

@@ -2,8 +2,10 @@
 
 #include <string>
 
-#include "core/ORXCanonicalJSON.h"
+#include <ravo-orx/core/ORXCanonicalJSON.h>
 #include "core/tests/ORXTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -116,3 +118,5 @@ TEST(ORXCanonicalValue, RefusesToBuildValuesDeeperThanTheParserReads) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

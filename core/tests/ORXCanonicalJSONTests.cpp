@@ -2,8 +2,10 @@
 
 #include <string>
 
-#include "core/ORXCanonicalJSON.h"
+#include <ravo-orx/core/ORXCanonicalJSON.h>
 #include "core/tests/ORXTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -181,3 +183,5 @@ TEST(ORXCanonicalJSON, HostileInputGetsAnErrorOrAValueQuickly) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -2,11 +2,13 @@
 
 #include <string>
 
-#include "core/ORXCanonicalJSON.h"
-#include "core/ORXDigest.h"
-#include "core/ORXPackageIdentity.h"
-#include "core/ORXVerifiedArtifact.h"
+#include <ravo-orx/core/ORXCanonicalJSON.h>
+#include <ravo-orx/core/ORXDigest.h>
+#include <ravo-orx/core/ORXPackageIdentity.h>
+#include <ravo-orx/core/ORXVerifiedArtifact.h>
 #include "core/tests/ORXTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -119,3 +121,5 @@ TEST(ORXPackageIdentity, AdmitsOnlyTheKnownLanes) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

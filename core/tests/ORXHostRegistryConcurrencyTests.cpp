@@ -3,7 +3,9 @@
 #include <thread>
 #include <vector>
 
-#include "core/ORXClosedEnumContext.h"
+#include <ravo-orx/core/ORXClosedEnumContext.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -24,3 +26,5 @@ TEST(ORXClosedEnumContextConcurrency, HostRegistryIsBuiltOnceUnderContention) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

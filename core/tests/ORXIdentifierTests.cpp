@@ -2,10 +2,12 @@
 
 #include <string>
 
-#include "core/ORXEnumValue.h"
-#include "core/ORXTypeReference.h"
-#include "core/ORXValidation.h"
+#include <ravo-orx/core/ORXEnumValue.h>
+#include <ravo-orx/core/ORXTypeReference.h>
+#include <ravo-orx/core/ORXValidation.h>
 #include "core/tests/ORXTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -202,3 +204,5 @@ TEST(ORXClosedEnumContext, RefusesRepeatedAndEmptySchemas) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -2,7 +2,11 @@
 
 #include <string>
 
-#include "core/ORXJSONStringDecoding.h"
+#include <ravo-orx/core/ORXJSONStringDecoding.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -33,3 +37,5 @@ TEST(ORXJSONStringDecoding, PlainRunsEndAtTheFirstSpecialByte) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

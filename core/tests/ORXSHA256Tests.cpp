@@ -3,7 +3,9 @@
 #include <random>
 #include <string>
 
-#include "core/ORXSHA256.h"
+#include <ravo-orx/core/ORXSHA256.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -94,3 +96,5 @@ TEST(ORXSHA256, FinalizeResetsTheHasherForTheNextMessage) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -5,7 +5,9 @@
 
 #include <string>
 
-#include "core/ORXError.h"
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
 
 // Runs `body` and checks that it throws an ORXError whose text is exactly `description`.
 template <class Body>
@@ -18,3 +20,5 @@ template <class Body>
   }
   return ::testing::AssertionFailure() << "did not throw";
 }
+
+}  // namespace ravo::orx

@@ -2,8 +2,10 @@
 
 #include <string>
 
-#include "core/ORXTypedValue.h"
+#include <ravo-orx/core/ORXTypedValue.h>
 #include "core/tests/ORXTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -111,3 +113,5 @@ TEST(ORXTypedValue, AcceptsTheExpectedTypeAndComparesStructurally) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -16,6 +16,8 @@
 #include <ravo-orx/contracts/actions/RavoPlayerActionIDs.h>
 #include <ravo-orx/runtime/OrxPolicyRuntime.h>
 
+using namespace ravo::orx;
+
 int main() {
   using namespace std::chrono_literals;
   // One runtime for the whole application, shared by everything that decides.

@@ -10,6 +10,8 @@
 #include <ravo-orx/runtime/OrxPolicyRuntime.h>
 #include <ravo-orx/runtime/OrxVersion.h>
 
+using namespace ravo::orx;
+
 namespace {
 
 void print(const char* what, const OrxSourcedDecision<OrxAuthorizationDecision>& answer) {
@@ -36,11 +38,37 @@ void print(const char* what, const OrxSourcedDecision<OrxCinemaAdmissionDecision
 
 // A paired controller (role 2) asks to show a surface on the main screen (command 6) with a live
 // token (1 s old of 15 min) and its rate limit untouched.
-constexpr AuthorizationFacts kMainScreenCommand{2, 6, 63, 1000, 900000, 0, 600, 1};
+constexpr AuthorizationFacts kMainScreenCommand{.role = 2,
+                                                .command = 6,
+                                                .grantFlags = 63,
+                                                .tokenAgeMilliseconds = 1000,
+                                                .tokenTTLMilliseconds = 900000,
+                                                .rateUsed = 0,
+                                                .rateLimit = 600,
+                                                .controlMode = 1};
 // Playback is 66 ms ahead with a 50 ms tolerance: a small drift, nudged by a rate change.
-constexpr SyncFacts kSmallDrift{66, 20, 5, 10000, 100, 0, 500, 50};
+constexpr SyncFacts kSmallDrift{.driftMilliseconds = 66,
+                                .roundTripMilliseconds = 20,
+                                .jitterMilliseconds = 5,
+                                .bufferAheadMilliseconds = 10000,
+                                .rateX100 = 100,
+                                .stallCount = 0,
+                                .syncAgeMilliseconds = 500,
+                                .toleranceMilliseconds = 50};
 // 25 fps in and out, 5 s buffered, a model measured at 8.0 ms per frame over 3 samples.
-constexpr CinemaAdmissionFacts kMeasuredModel{2500, 2500, 5000, 0, 0, 0, 20, 0, 0, 50, 20, 80, 3};
+constexpr CinemaAdmissionFacts kMeasuredModel{.sourceFPSX100 = 2500,
+                                              .targetFPSX100 = 2500,
+                                              .sourceReservoirMilliseconds = 5000,
+                                              .headroom = 0,
+                                              .thermalState = 0,
+                                              .memoryPressure = 0,
+                                              .bridgeTenthsMilliseconds = 20,
+                                              .temporalTenthsMilliseconds = 0,
+                                              .interpolationTenthsMilliseconds = 0,
+                                              .metalFXTenthsMilliseconds = 50,
+                                              .finalDetailTenthsMilliseconds = 20,
+                                              .modelTenthsMilliseconds = 80,
+                                              .modelSampleCount = 3};
 
 struct Answers {
   OrxSourcedDecision<OrxAuthorizationDecision> authorization;

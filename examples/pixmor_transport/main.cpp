@@ -13,6 +13,8 @@
 #include <ravo-orx/adapters/pixmor/PixmorORXHost.h>
 #include <ravo-orx/adapters/pixmor/PixmorORXHostError.h>
 
+using namespace ravo::orx;
+
 namespace {
 
 using namespace std::chrono_literals;

@@ -8,8 +8,15 @@
 #include <span>
 #include <vector>
 
-#include "core/ORXError.h"
-#include "host_contract/ORXDecisionEvidenceRecord.h"
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/host_contract/ORXDecisionEvidenceRecord.h>
+
+namespace ravo::orx {
+
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::span<const std::uint8_t> bytes(data, size);

@@ -3,8 +3,10 @@
 #include <string>
 
 #include "core/tests/ORXTestSupport.h"
-#include "host_contract/ORXDecision.h"
+#include <ravo-orx/host_contract/ORXDecision.h>
 #include "host_contract/tests/ORXHostContractFixtures.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -225,3 +227,5 @@ TEST(ORXDecisionEvidenceRecord, StrictReaderRefusesAllButItsOwnBytes) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -6,6 +6,8 @@
 
 #include "host_contract/tests/ORXHostContractFixtures.h"
 
+namespace ravo::orx {
+
 namespace {
 
 using namespace orx_fixtures;
@@ -49,3 +51,5 @@ TEST(ORXHostContractGoldenVectors, CanonicalTextsAndDigestsArePinned) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

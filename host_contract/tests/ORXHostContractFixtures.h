@@ -3,15 +3,17 @@
 
 #include <string>
 
-#include "core/ORXPackageIdentity.h"
-#include "core/ORXVerifiedArtifact.h"
-#include "host_contract/ORXCanonicalTypedInput.h"
-#include "host_contract/ORXDecisionEvidenceRecord.h"
-#include "host_contract/ORXDecisionIntent.h"
-#include "host_contract/ORXEffectReceipt.h"
-#include "host_contract/ORXGrantSet.h"
-#include "host_contract/ORXPolicyArtifact.h"
-#include "host_contract/ORXTrustedDecisionEvidence.h"
+#include <ravo-orx/core/ORXPackageIdentity.h>
+#include <ravo-orx/core/ORXVerifiedArtifact.h>
+#include <ravo-orx/host_contract/ORXCanonicalTypedInput.h>
+#include <ravo-orx/host_contract/ORXDecisionEvidenceRecord.h>
+#include <ravo-orx/host_contract/ORXDecisionIntent.h>
+#include <ravo-orx/host_contract/ORXEffectReceipt.h>
+#include <ravo-orx/host_contract/ORXGrantSet.h>
+#include <ravo-orx/host_contract/ORXPolicyArtifact.h>
+#include <ravo-orx/host_contract/ORXTrustedDecisionEvidence.h>
+
+namespace ravo::orx {
 
 namespace orx_fixtures {
 
@@ -88,3 +90,5 @@ inline ORXEffectReceipt receipt(ORXReceiptOutcome outcome = ORXReceiptOutcome::e
 }
 
 }  // namespace orx_fixtures
+
+}  // namespace ravo::orx

@@ -6,6 +6,8 @@
 #include "core/tests/ORXTestSupport.h"
 #include "host_contract/tests/ORXHostContractFixtures.h"
 
+namespace ravo::orx {
+
 namespace {
 
 using namespace orx_fixtures;
@@ -165,3 +167,5 @@ TEST(ORXEffectReceipt, BindsTheTrustedEvidence) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

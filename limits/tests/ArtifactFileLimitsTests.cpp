@@ -8,10 +8,12 @@
 #include <functional>
 #include <string>
 
-#include "checks/AlteredEvidenceRuntime.h"
-#include "runtime/OrxLog.h"
-#include "runtime/OrxPolicyRuntime.h"
+#include <ravo-orx/checks/AlteredEvidenceRuntime.h>
+#include <ravo-orx/runtime/OrxLog.h>
+#include <ravo-orx/runtime/OrxPolicyRuntime.h>
 #include "runtime/tests/ArtifactCopy.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -111,3 +113,5 @@ TEST_F(ArtifactFileLimits, TamperedCopiesOfReplacedArtifactsAreNotBuilt) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -8,13 +8,15 @@
 #include <memory>
 
 #include "adapters/pixmor/tests/PixmorORXTestSupport.h"
-#include "contracts/services/RavoHomeInventorySnapshot.h"
-#include "contracts/services/RavoJSONScenarioDraftProposer.h"
+#include <ravo-orx/contracts/services/RavoHomeInventorySnapshot.h>
+#include <ravo-orx/contracts/services/RavoJSONScenarioDraftProposer.h>
 #include "contracts/services/tests/RavoScenarioDraftingTestSupport.h"
-#include "core/ORXCanonicalJSON.h"
-#include "core/ORXError.h"
-#include "host_contract/ORXDecisionEvidenceRecord.h"
+#include <ravo-orx/core/ORXCanonicalJSON.h>
+#include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/host_contract/ORXDecisionEvidenceRecord.h>
 #include "limits/HostileInputs.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -163,3 +165,5 @@ TEST(JSONReaderLimits, HostsTurnHostileAnswersIntoTheirUsualOutcomes) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

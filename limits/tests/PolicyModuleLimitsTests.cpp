@@ -6,10 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "runtime/LoadedModule.h"
-#include "runtime/OrxLog.h"
-#include "runtime/OrxPolicyDecider.h"
+#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/runtime/OrxLog.h>
+#include <ravo-orx/runtime/OrxPolicyDecider.h>
 #include "runtime/tests/WatAssembler.h"
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -56,3 +60,5 @@ TEST(PolicyModuleLimits, FloodsOfEmittedValuesFailSafeWithOneCountedFailure) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

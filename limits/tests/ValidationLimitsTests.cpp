@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include "contracts/scenarios/RavoScenarioCatalog.h"
-#include "contracts/services/RavoHomeInventoryValidator.h"
-#include "contracts/services/RavoJSONScenarioDraftProposer.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioCatalog.h>
+#include <ravo-orx/contracts/services/RavoHomeInventoryValidator.h>
+#include <ravo-orx/contracts/services/RavoJSONScenarioDraftProposer.h>
 #include "contracts/services/tests/RavoScenarioDraftingTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -98,3 +100,5 @@ TEST(ValidationLimits, DraftingAnswersWithTooManyNodesAreRefused) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -1,5 +1,9 @@
 // An interpreter-only build (ORX_PRECOMPILED=OFF) compiles no module to native code.
 
-#include "runtime/OrxModuleInstance.h"
+#include <ravo-orx/engine/OrxModuleInstance.h>
+
+namespace ravo::orx::internal {
 
 std::unique_ptr<OrxModuleInstance> instantiatePrecompiledModule(std::string_view) { return nullptr; }
+
+}  // namespace ravo::orx::internal

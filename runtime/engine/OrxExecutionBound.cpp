@@ -1,4 +1,4 @@
-#include "runtime/engine/OrxExecutionBound.h"
+#include <ravo-orx/engine/OrxExecutionBound.h>
 
 #include <wabt/binary-reader-nop.h>
 #include <wabt/binary-reader.h>
@@ -7,7 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "runtime/engine/WabtModuleReader.h"
+#include <ravo-orx/engine/WabtModuleReader.h>
+
+namespace ravo::orx::internal {
 
 namespace {
 
@@ -238,3 +240,5 @@ OrxCodeAnalysis analyzeCode(const std::uint8_t* bytes, std::size_t size) {
   }
   return analysis;
 }
+
+}  // namespace ravo::orx::internal

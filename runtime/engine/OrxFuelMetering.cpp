@@ -1,4 +1,4 @@
-#include "runtime/engine/OrxFuelMetering.h"
+#include <ravo-orx/engine/OrxFuelMetering.h>
 
 #include <wabt/binary-reader-ir.h>
 #include <wabt/binary-reader.h>
@@ -10,8 +10,10 @@
 #include <algorithm>
 #include <memory>
 
-#include "runtime/engine/OrxExecutionBound.h"
-#include "runtime/engine/WabtModuleReader.h"
+#include <ravo-orx/engine/OrxExecutionBound.h>
+#include <ravo-orx/engine/WabtModuleReader.h>
+
+namespace ravo::orx::internal {
 
 namespace {
 
@@ -214,3 +216,5 @@ std::optional<std::string> meterModule(const std::uint8_t* bytes, std::size_t si
   metered = std::move(stream.output_buffer().data);
   return std::nullopt;
 }
+
+}  // namespace ravo::orx::internal

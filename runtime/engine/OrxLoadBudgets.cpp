@@ -1,6 +1,8 @@
-#include "runtime/engine/OrxLoadBudgets.h"
+#include <ravo-orx/engine/OrxLoadBudgets.h>
 
 #include <vector>
+
+namespace ravo::orx::internal {
 
 namespace {
 
@@ -242,3 +244,5 @@ std::optional<std::string> checkLoadBudgets(const std::uint8_t* bytes, std::size
   }
   return scan.exceeded;
 }
+
+}  // namespace ravo::orx::internal

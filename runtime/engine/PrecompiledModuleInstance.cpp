@@ -5,11 +5,14 @@
 
 #include <mutex>
 
+#include <ravo-orx/engine/wasm2c/Wasm2cSymbols.h>
+
 #include "cinema_admission.h"
 #include "player_authz.h"
-#include "runtime/OrxBuildConstants.h"
 #include "sync_correction.h"
-#include "runtime/engine/PrecompiledModule.h"
+
+#include <ravo-orx/engine/PrecompiledModule.h>
+#include <ravo-orx/runtime/OrxBuildConstants.h>
 
 extern "C" u32 Z_outputZ_emit(Z_output_instance_t* output, u32 tag, u32 result, u32 first, u32 second, u32 third) {
   std::int32_t* values = output->emitted.data();
@@ -22,6 +25,7 @@ extern "C" u32 Z_outputZ_emit(Z_output_instance_t* output, u32 tag, u32 result, 
   return 0;
 }
 
+namespace ravo::orx::internal {
 namespace {
 
 using PrecompiledAuthorization = PrecompiledModule<Z_player_authz_instance_t, Z_player_authz_instantiate,
@@ -47,3 +51,5 @@ std::unique_ptr<OrxModuleInstance> instantiatePrecompiledModule(std::string_view
   if (digest == approved.at("cinema_admission")) return std::make_unique<PrecompiledCinema>();
   return nullptr;
 }
+
+}  // namespace ravo::orx::internal

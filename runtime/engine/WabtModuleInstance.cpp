@@ -25,11 +25,13 @@
 #include <cmath>
 #include <utility>
 
-#include "runtime/OrxModuleInstance.h"
-#include "runtime/engine/OrxExecutionBound.h"
-#include "runtime/engine/OrxFuelMetering.h"
-#include "runtime/engine/ScriptNumberConversion.h"
-#include "runtime/engine/WabtModuleReader.h"
+#include <ravo-orx/engine/OrxModuleInstance.h>
+#include <ravo-orx/engine/OrxExecutionBound.h>
+#include <ravo-orx/engine/OrxFuelMetering.h>
+#include <ravo-orx/engine/ScriptNumberConversion.h>
+#include <ravo-orx/engine/WabtModuleReader.h>
+
+namespace ravo::orx::internal {
 
 namespace {
 
@@ -265,3 +267,5 @@ std::unique_ptr<OrxModuleInstance> instantiateInterpretedModule(const std::uint8
   if (!instance->instantiate(bytes, size, failure)) return nullptr;
   return instance;
 }
+
+}  // namespace ravo::orx::internal

@@ -1,8 +1,10 @@
 #include <wabt/interp/interp.h>
 
-#include "runtime/OrxModuleInstance.h"
-#include "runtime/engine/OrxFuelMetering.h"
-#include "runtime/engine/WabtModuleReader.h"
+#include <ravo-orx/engine/OrxModuleInstance.h>
+#include <ravo-orx/engine/OrxFuelMetering.h>
+#include <ravo-orx/engine/WabtModuleReader.h>
+
+namespace ravo::orx::internal {
 
 namespace {
 
@@ -53,3 +55,5 @@ std::optional<std::vector<std::uint8_t>> executedModuleBytes(const std::uint8_t*
   if (meterModule(bytes, size, metered)) return std::nullopt;
   return metered;
 }
+
+}  // namespace ravo::orx::internal

@@ -1,9 +1,11 @@
-#include "runtime/engine/WabtModuleReader.h"
+#include <ravo-orx/engine/WabtModuleReader.h>
 
 #include <wabt/error-formatter.h>
 #include <wabt/interp/binary-reader-interp.h>
 
-#include "runtime/engine/OrxLoadBudgets.h"
+#include <ravo-orx/engine/OrxLoadBudgets.h>
+
+namespace ravo::orx::internal {
 
 std::optional<std::string> readWabtModule(const std::uint8_t* bytes, std::size_t size, wabt::interp::ModuleDesc& desc,
                                           OrxCodeAnalysis& analysis) {
@@ -32,3 +34,5 @@ std::string wabtCompileError(const wabt::Errors& errors) {
   while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
   return "CompileError: " + text;
 }
+
+}  // namespace ravo::orx::internal

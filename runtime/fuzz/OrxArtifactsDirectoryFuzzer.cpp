@@ -16,8 +16,10 @@
 
 #include <unistd.h>
 
-#include "runtime/OrxLog.h"
-#include "runtime/OrxPolicyRuntime.h"
+#include <ravo-orx/runtime/OrxLog.h>
+#include <ravo-orx/runtime/OrxPolicyRuntime.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -77,6 +79,10 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
   setOrxLogSink([](OrxLogLevel, std::string_view) {});
   return 0;
 }
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const ScratchArtifacts scratch;

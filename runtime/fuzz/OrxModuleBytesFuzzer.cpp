@@ -11,12 +11,16 @@
 #include <string>
 #include <string_view>
 
-#include "core/ORXSHA256.h"
-#include "runtime/LoadedModule.h"
-#include "runtime/OrxBuildConstants.h"
-#include "runtime/OrxLog.h"
-#include "runtime/OrxPolicyDecider.h"
-#include "runtime/RuntimeError.h"
+#include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/runtime/OrxBuildConstants.h>
+#include <ravo-orx/runtime/OrxLog.h>
+#include <ravo-orx/runtime/OrxPolicyDecider.h>
+#include <ravo-orx/runtime/RuntimeError.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -57,6 +61,11 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
   setOrxLogSink([](OrxLogLevel, std::string_view) {});
   return 0;
 }
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
+using namespace ravo::orx::internal;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::span<const std::uint8_t> bytes(data, size);

@@ -20,6 +20,8 @@
 
 #include "runtime/tests/WatAssembler.h"
 
+namespace ravo::orx {
+
 namespace artifact_test {
 
 namespace fs = std::filesystem;
@@ -101,3 +103,5 @@ inline Json& moduleRecord(Json& evidence, const std::string& name) {
 }
 
 }  // namespace artifact_test
+
+}  // namespace ravo::orx

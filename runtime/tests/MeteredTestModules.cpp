@@ -2,10 +2,16 @@
 
 #include <stdexcept>
 
+#include <ravo-orx/engine/wasm2c/Wasm2cSymbols.h>
+
 #include "metered_bulk.h"
 #include "metered_loop.h"
 #include "metered_recursion.h"
-#include "runtime/engine/PrecompiledModule.h"
+#include <ravo-orx/engine/PrecompiledModule.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -44,3 +50,5 @@ PrecompiledTestModule precompiledTestModule(std::string_view name) {
   if (name == "metered_bulk") return bind<Bulk>();
   throw std::invalid_argument("no metered test module " + std::string(name));
 }
+
+}  // namespace ravo::orx

@@ -7,12 +7,16 @@
 #include <string>
 #include <string_view>
 
-#include "runtime/OrxModuleInstance.h"
+#include <ravo-orx/engine/OrxModuleInstance.h>
+
+namespace ravo::orx {
 
 struct PrecompiledTestModule {
-  std::unique_ptr<OrxModuleInstance> instance;
+  std::unique_ptr<internal::OrxModuleInstance> instance;
   std::optional<std::string> startError;
 };
 
 // "metered_loop", "metered_recursion" or "metered_bulk".
 PrecompiledTestModule precompiledTestModule(std::string_view name);
+
+}  // namespace ravo::orx

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace ravo::orx {
+
 using ModuleBytes = std::vector<std::uint8_t>;
 
 inline ModuleBytes leb(std::uint64_t value) {
@@ -57,3 +59,5 @@ inline ModuleBytes moduleOfFunctions(const ModuleBytes& types, std::uint64_t fun
          section(7, leb(1) + leb(decide.size()) + ModuleBytes(decide.begin(), decide.end()) + ModuleBytes{0x00, 0x00}) +
          section(10, vectorOf(body, functions));
 }
+
+}  // namespace ravo::orx

@@ -6,14 +6,18 @@
 #include <string_view>
 #include <vector>
 
-#include "runtime/LoadedModule.h"
-#include "runtime/RuntimeError.h"
+#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/runtime/RuntimeError.h>
+
+namespace ravo::orx {
 
 inline std::string moduleLoadError(std::string_view name, const std::vector<std::uint8_t>& bytes) {
   try {
-    LoadedModule::instantiate(name, bytes);
+    internal::LoadedModule::instantiate(name, bytes);
     return "";
   } catch (const RuntimeError& error) {
     return error.message;
   }
 }
+
+}  // namespace ravo::orx

@@ -10,12 +10,16 @@
 
 #include <nlohmann/json.hpp>
 
-#include "runtime/OrxEvidence.h"
-#include "runtime/OrxLog.h"
-#include "runtime/OrxPolicyRuntime.h"
-#include "runtime/RuntimeError.h"
+#include <ravo-orx/runtime/OrxEvidence.h>
+#include <ravo-orx/runtime/OrxLog.h>
+#include <ravo-orx/runtime/OrxPolicyRuntime.h>
+#include <ravo-orx/runtime/RuntimeError.h>
 #include "runtime/tests/ArtifactCopy.h"
 #include "runtime/tests/WatAssembler.h"
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -220,3 +224,5 @@ TEST(OrxArtifactProvenance, SearchesTheWorkingDirectoryWhenNoDirectoryIsGiven) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

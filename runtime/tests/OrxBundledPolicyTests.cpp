@@ -8,8 +8,10 @@
 
 #include <nlohmann/json.hpp>
 
-#include "runtime/OrxPolicyRuntime.h"
+#include <ravo-orx/runtime/OrxPolicyRuntime.h>
 #include "runtime/tests/WatAssembler.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -92,3 +94,5 @@ TEST(OrxPolicyArtifacts, RebuildingFromSourcesReproducesTheCommittedBytes) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

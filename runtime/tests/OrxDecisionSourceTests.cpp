@@ -5,9 +5,13 @@
 
 #include <cstddef>
 
-#include "runtime/OrxLog.h"
-#include "runtime/OrxPolicyRuntime.h"
+#include <ravo-orx/runtime/OrxLog.h>
+#include <ravo-orx/runtime/OrxPolicyRuntime.h>
 #include "runtime/tests/PuppetModules.h"
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -90,3 +94,5 @@ TEST(OrxDecisionSource, ARuntimeWhoseArtifactsDidNotLoadAnswersModuleUnavailable
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -12,12 +12,16 @@
 #include <string>
 #include <vector>
 
-#include "runtime/LoadedModule.h"
-#include "runtime/OrxLog.h"
-#include "runtime/OrxPolicyDecider.h"
-#include "runtime/RuntimeError.h"
+#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/runtime/OrxLog.h>
+#include <ravo-orx/runtime/OrxPolicyDecider.h>
+#include <ravo-orx/runtime/RuntimeError.h>
 #include "runtime/tests/ModuleBytes.h"
 #include "runtime/tests/WatAssembler.h"
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -335,3 +339,5 @@ TEST(OrxHostileModules, EachIsRefusedOrContainedWithinItsCeiling) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -3,10 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include "runtime/LoadedModule.h"
+#include <ravo-orx/runtime/LoadedModule.h>
 #include "runtime/tests/ModuleBytes.h"
 #include "runtime/tests/ModuleLoadError.h"
 #include "runtime/tests/WatAssembler.h"
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -297,3 +301,5 @@ TEST(OrxModuleHost, ConvertsOtherSignaturesTheWayAScriptHostWould) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

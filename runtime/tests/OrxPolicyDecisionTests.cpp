@@ -6,8 +6,12 @@
 #include <mutex>
 #include <vector>
 
-#include "runtime/OrxLog.h"
+#include <ravo-orx/runtime/OrxLog.h>
 #include "runtime/tests/PuppetModules.h"
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -232,3 +236,5 @@ TEST(OrxPolicyDecisions, StatusNamesEachModuleByItsDigest) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -5,9 +5,13 @@
 #include <thread>
 #include <vector>
 
-#include "runtime/OrxLog.h"
-#include "runtime/OrxPolicyRuntime.h"
+#include <ravo-orx/runtime/OrxLog.h>
+#include <ravo-orx/runtime/OrxPolicyRuntime.h>
 #include "runtime/tests/PuppetModules.h"
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -93,3 +97,5 @@ TEST(OrxPolicyRuntimeConcurrency, EightThreadsEachGetTheSourceOfTheirOwnDecision
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -12,9 +12,13 @@
 #include <thread>
 #include <vector>
 
-#include "runtime/OrxLog.h"
-#include "runtime/OrxPolicyRuntime.h"
+#include <ravo-orx/runtime/OrxLog.h>
+#include <ravo-orx/runtime/OrxPolicyRuntime.h>
 #include "runtime/tests/PuppetModules.h"
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -109,3 +113,5 @@ TEST(OrxPolicySoak, AlternatingGoodAndFaultyModulesCountEveryFaultAndKeepMemoryF
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

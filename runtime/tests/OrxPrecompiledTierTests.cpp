@@ -11,11 +11,15 @@
 #include <thread>
 #include <vector>
 
-#include "runtime/LoadedModule.h"
-#include "runtime/OrxPolicyRuntime.h"
-#include "runtime/engine/wasm2c/PrecompiledTrap.h"
+#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/runtime/OrxPolicyRuntime.h>
+#include <ravo-orx/engine/wasm2c/PrecompiledTrap.h>
 #include "runtime/tests/MeteredTestModules.h"
 #include "runtime/tests/WatAssembler.h"
+
+namespace ravo::orx {
+
+using namespace internal;
 
 extern "C" void wasm_rt_trap(int code);  // the wasm2c runtime's trap entry, thrown to the calling guard
 
@@ -149,3 +153,5 @@ TEST(OrxPrecompiledTier, TrapsReturnToTheTrappingThreadsOwnCall) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -11,11 +11,13 @@
 #include <memory>
 #include <string>
 
-#include "runtime/LoadedModule.h"
-#include "runtime/OrxPolicyDecider.h"
+#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/runtime/OrxPolicyDecider.h>
 #include "runtime/tests/WatAssembler.h"
 
-inline std::unique_ptr<LoadedModule> puppetModule(int arity) {
+namespace ravo::orx {
+
+inline std::unique_ptr<internal::LoadedModule> puppetModule(int arity) {
   std::string params;
   for (int i = 0; i < arity; ++i) params += " i32";
   const std::string wat = R"wat((module
@@ -33,10 +35,10 @@ inline std::unique_ptr<LoadedModule> puppetModule(int arity) {
     (if (i32.or (i32.eqz (local.get 0)) (i32.eq (local.get 0) (i32.const 3)))
       (then (drop (call $emit5 (local.get 2) (local.get 3) (local.get 4) (local.get 5) (local.get 6)))))
     (local.get 7))))wat";
-  return LoadedModule::instantiate("puppet", assembleWat(wat));
+  return internal::LoadedModule::instantiate("puppet", assembleWat(wat));
 }
 
-inline OrxPolicyModules puppetModules() { return {puppetModule(8), puppetModule(8), puppetModule(13)}; }
+inline internal::OrxPolicyModules puppetModules() { return {puppetModule(8), puppetModule(8), puppetModule(13)}; }
 
 // Facts that script one answer of each kind from the puppets: a valid answer, a trap, and an answer that
 // fails validation (an unechoed command, a rate outside the band, MetalFX claiming to be live-safe).
@@ -49,3 +51,5 @@ constexpr SyncFacts kOutOfBandSync{0, 0, 5301, 1, 949, 0, 3, 1};
 constexpr CinemaAdmissionFacts kFullFrameCinema{0, 0, 5401, 1, 0, 272, 0, 1, 0, 0, 0, 0, 0};
 constexpr CinemaAdmissionFacts kTrappingCinema{2, 0, 5401, 1, 0, 272, 0, 1, 0, 0, 0, 0, 0};
 constexpr CinemaAdmissionFacts kLiveSafeMetalFXCinema{0, 0, 5401, 0, 0, 272, 0, 0, 0, 0, 0, 0, 0};
+
+}  // namespace ravo::orx

@@ -13,6 +13,8 @@
 
 #include <unistd.h>
 
+namespace ravo::orx {
+
 inline std::vector<std::uint8_t> readTestFile(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);
   if (!in) throw std::runtime_error("cannot read " + path.string());
@@ -31,3 +33,5 @@ inline std::vector<std::uint8_t> assembleWat(const std::string& text) {
   std::filesystem::remove_all(directory);
   return bytes;
 }
+
+}  // namespace ravo::orx

@@ -1,6 +1,8 @@
-#include "core/ORXCanonicalJSON.h"
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/core/ORXCanonicalJSON.h>
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -18,3 +20,5 @@ constinit const OrxCliCommand kOrxCliCanonCommand{
     "objects with unique keys, in any spacing, escapes and key order) and prints its canonical text: no\n"
     "whitespace, keys sorted, minimal escapes.\n",
     runCanon};
+
+}  // namespace ravo::orx

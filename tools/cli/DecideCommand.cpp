@@ -1,9 +1,11 @@
 #include <filesystem>
 
-#include "runtime/OrxPolicyRuntime.h"
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliDecisions.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/runtime/OrxPolicyRuntime.h>
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliDecisions.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -48,3 +50,5 @@ constinit const OrxCliCommand kOrxCliDecideCommand{
     "          -> {\"route\":...,\"sparseAnchorIntervalFrames\":...,\"safeBudgetTenthsMilliseconds\":...,\n"
     "              \"reason\":...,\"source\":...}\n",
     runDecide};
+
+}  // namespace ravo::orx

@@ -1,8 +1,10 @@
-#include "core/ORXCanonicalJSON.h"
-#include "core/ORXDigest.h"
-#include "core/ORXSHA256.h"
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/core/ORXCanonicalJSON.h>
+#include <ravo-orx/core/ORXDigest.h>
+#include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -43,3 +45,5 @@ constinit const OrxCliCommand kOrxCliDigestCommand{
     "ORX_POLICY_ARTIFACT_V1, ORX_VERIFIED_ARTIFACT_V1, ORX_DECISION_EVIDENCE_V1, ORX_EFFECT_RECEIPT_V1.\n"
     "With --raw, prints the plain digest of the document's bytes as they are.\n",
     runDigest};
+
+}  // namespace ravo::orx

@@ -1,6 +1,8 @@
-#include "host_contract/ORXDecisionEvidenceRecord.h"
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/host_contract/ORXDecisionEvidenceRecord.h>
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -29,3 +31,5 @@ constinit const OrxCliCommand kOrxCliEvidenceCommand{
     "record (no trailing newline), and prints its digest, decision outcome and trust level as JSON:\n"
     "{\"digest\":\"sha256:...\",\"decisionOutcome\":\"allow\",\"trustLevel\":\"schemaOnly\"}\n",
     runEvidence};
+
+}  // namespace ravo::orx

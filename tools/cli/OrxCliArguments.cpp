@@ -1,7 +1,9 @@
-#include "tools/cli/OrxCliArguments.h"
+#include <ravo-orx/cli/OrxCliArguments.h>
 
 #include <algorithm>
 #include <charconv>
+
+namespace ravo::orx {
 
 OrxCliArguments::OrxCliArguments(std::vector<std::string> words) : words_(std::move(words)) {
   const auto end = std::find(words_.begin(), words_.end(), "--");
@@ -71,3 +73,5 @@ std::int64_t orxCliInteger(std::string_view text, std::string_view what, std::in
   }
   return value;
 }
+
+}  // namespace ravo::orx

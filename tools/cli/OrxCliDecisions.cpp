@@ -1,9 +1,11 @@
-#include "tools/cli/OrxCliDecisions.h"
+#include <ravo-orx/cli/OrxCliDecisions.h>
 
 #include <limits>
 
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -65,3 +67,5 @@ int orxCliPrintAnswer(const OrxPolicyAnswer& answer) {
   orxCliPrintJSON(decision);
   return answer.source == OrxDecisionSource::policy ? 0 : kOrxCliFailSafe;
 }
+
+}  // namespace ravo::orx

@@ -1,4 +1,4 @@
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/cli/OrxCliIO.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -9,6 +9,8 @@
 #include <vector>
 
 #include <sys/stat.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -82,3 +84,5 @@ void orxCliPrint(std::string_view text) {
 }
 
 void orxCliPrintJSON(const RavoJSON& json) { orxCliPrint(json.dump()); }
+
+}  // namespace ravo::orx

@@ -1,10 +1,14 @@
-#include "tools/cli/OrxCliPolicyModule.h"
+#include <ravo-orx/cli/OrxCliPolicyModule.h>
 
-#include "core/ORXSHA256.h"
-#include "runtime/OrxBuildConstants.h"
-#include "runtime/OrxModuleInstance.h"
-#include "tools/cli/OrxCliDecisions.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/runtime/OrxBuildConstants.h>
+#include <ravo-orx/engine/OrxModuleInstance.h>
+#include <ravo-orx/cli/OrxCliDecisions.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 OrxCliPolicyModule OrxCliPolicyModule::read(const std::string& file) {
   const std::string text = orxCliReadInput(file);
@@ -41,3 +45,5 @@ OrxCliPolicyDecision orxCliPolicyDecision(OrxCliArguments& arguments, const std:
   auto facts = orxCliFacts(arguments, kind, factsFile);
   return {OrxCliPolicyModule::read(file), kind, std::move(facts)};
 }
+
+}  // namespace ravo::orx

@@ -3,10 +3,14 @@
 
 #include <fmt/format.h>
 
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliDecisions.h"
-#include "tools/cli/OrxCliIO.h"
-#include "tools/cli/OrxCliPolicyModule.h"
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliDecisions.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+#include <ravo-orx/cli/OrxCliPolicyModule.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -74,3 +78,5 @@ constinit const OrxCliCommand kOrxCliPolicyBenchCommand{
     "100000) each, printing the median cost per decision. Standard error warns when the facts give a\n"
     "fail-safe decision, which is timed all the same.\n",
     runBench};
+
+}  // namespace ravo::orx

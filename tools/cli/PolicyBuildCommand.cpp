@@ -1,23 +1,28 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
-#include "tools/package_check/OrxArtifactBuild.h"
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+#include <ravo-orx/package_check/OrxArtifactBuild.h>
+
+namespace ravo::orx {
+
 
 namespace {
 
 namespace fs = std::filesystem;
 
 const fs::path kConstantsSource = "runtime/OrxBuildConstants.cpp";
+// Marks the repository root: the declarations the written constants define.
+const fs::path kConstantsHeader = "runtime/constants/include/ravo-orx/runtime/OrxBuildConstants.h";
 
 int runBuild(OrxCliArguments& arguments) {
   const OrxArtifactBuildPaths paths{arguments.option("--policies").value_or("policies"),
                                     arguments.option("--artifacts").value_or("artifacts"), kConstantsSource};
   arguments.finish();
-  if (!fs::exists("runtime/OrxBuildConstants.h") || !fs::is_directory("tools/package_check")) {
-    throw std::runtime_error("ravo-orx policy build runs from the repository root (no runtime/OrxBuildConstants.h "
-                             "and tools/package_check/ here)");
+  if (!fs::exists(kConstantsHeader) || !fs::is_directory("tools/package_check")) {
+    throw std::runtime_error("ravo-orx policy build runs from the repository root (no " + kConstantsHeader.string() +
+                             " and tools/package_check/ here)");
   }
   const auto assembler = OrxWatAssembler::find();
   const auto toolchain = OrxToolchainIdentity::of(assembler, ".");
@@ -51,3 +56,5 @@ constinit const OrxCliCommand kOrxCliPolicyBuildCommand{
     "rebuilding unchanged policies leaves every file as it was. When anything fails it writes nothing\n"
     "and exits with status 1. tools/README.md defines the compiler identity and toolchain digest.\n",
     runBuild};
+
+}  // namespace ravo::orx

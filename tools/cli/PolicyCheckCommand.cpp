@@ -1,11 +1,15 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
-#include "tools/cli/OrxCliPolicyModule.h"
-#include "tools/package_check/OrxPolicyKind.h"
-#include "tools/package_check/OrxPolicyManifest.h"
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+#include <ravo-orx/cli/OrxCliPolicyModule.h>
+#include <ravo-orx/package_check/OrxPolicyKind.h>
+#include <ravo-orx/package_check/OrxPolicyManifest.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -90,3 +94,5 @@ constinit const OrxCliCommand kOrxCliPolicyCheckCommand{
     "facts). Either file may be '-' for standard input. Exit status 0 when the module is admitted, 1 when\n"
     "the host refuses it (its own text on standard error) or the contract does not hold.\n",
     runCheck};
+
+}  // namespace ravo::orx

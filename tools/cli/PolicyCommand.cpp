@@ -1,6 +1,8 @@
 #include <array>
 
-#include "tools/cli/OrxCliCommand.h"
+#include <ravo-orx/cli/OrxCliCommand.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -14,3 +16,5 @@ constinit const OrxCliCommand kOrxCliPolicyCommand{
     "The policy author's toolchain. Changing a policy takes three steps: edit policies/<module>.wat and\n"
     "the cases of its manifest, run 'ravo-orx policy build' from the repository root, rebuild the project.\n",
     nullptr, kSubcommands};
+
+}  // namespace ravo::orx

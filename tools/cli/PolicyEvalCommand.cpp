@@ -1,7 +1,11 @@
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliDecisions.h"
-#include "tools/cli/OrxCliIO.h"
-#include "tools/cli/OrxCliPolicyModule.h"
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliDecisions.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+#include <ravo-orx/cli/OrxCliPolicyModule.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -25,3 +29,5 @@ constinit const OrxCliCommand kOrxCliPolicyEvalCommand{
     "the module. A module that traps, or runs out of its budget, answers fail-safe with source \"trap\"\n"
     "and exit status 3; one the host refuses to load exits with status 1 and the host's own text.\n",
     runEval};
+
+}  // namespace ravo::orx

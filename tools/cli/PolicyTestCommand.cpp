@@ -3,11 +3,16 @@
 #include <optional>
 #include <set>
 
-#include "runtime/OrxArtifactFiles.h"
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
-#include "tools/package_check/OrxPolicyCases.h"
-#include "tools/package_check/OrxWatAssembler.h"
+#include <ravo-orx/runtime/OrxEvidence.h>
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+#include <ravo-orx/package_check/OrxPolicyCases.h>
+#include <ravo-orx/package_check/OrxWatAssembler.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -39,7 +44,7 @@ std::vector<std::uint8_t> moduleBytes(const fs::path& directory, const std::stri
     if (!assembler) assembler = OrxWatAssembler::find();
     return assembler->assemble(source);
   }
-  return readArtifactFile(directory / (module + ".wasm"));
+  return readArtifactFile(directory / (module + std::string(kOrxModuleFileSuffix)));
 }
 
 // The reasons no passing case answered with: what the cases leave untested.
@@ -107,3 +112,5 @@ constinit const OrxCliCommand kOrxCliPolicyTestCommand{
     "passing case too; --coverage prints, per module, the reason codes no passing case produced. The\n"
     "last line is \"N passed, M failed\". Exit status 1 when any case failed.\n",
     runTest};
+
+}  // namespace ravo::orx

@@ -1,8 +1,10 @@
-#include "contracts/actions/RavoActionIntentResolver.h"
-#include "contracts/actions/RavoApplicationActionCatalog.h"
-#include "contracts/actions/RavoVoiceFastPathRouter.h"
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/contracts/actions/RavoActionIntentResolver.h>
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+#include <ravo-orx/contracts/actions/RavoVoiceFastPathRouter.h>
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -48,3 +50,5 @@ constinit const OrxCliCommand kOrxCliResolveCommand{
     "  voiceRoute: {\"kind\":\"action\",\"actionID\":...,\"arguments\":{...}} or {\"kind\":\"aiDrafting\"}\n"
     "Quote a TEXT of several words.\n",
     runResolve};
+
+}  // namespace ravo::orx

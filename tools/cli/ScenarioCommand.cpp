@@ -1,12 +1,14 @@
 #include <optional>
 #include <string>
 
-#include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
-#include "contracts/scenarios/RavoScenarioCanonicalizer.h"
-#include "contracts/scenarios/RavoScenarioCatalog.h"
-#include "contracts/scenarios/RavoScenarioRevisionDiffer.h"
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioBuiltInCatalog.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioCanonicalizer.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioCatalog.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioRevisionDiffer.h>
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -79,3 +81,5 @@ constinit const OrxCliCommand kOrxCliScenarioCommand{
     "A revision whose stored graph digest is not the one computed here for its draft is used as it\n"
     "stands, with a warning on standard error.\n",
     runScenario};
+
+}  // namespace ravo::orx

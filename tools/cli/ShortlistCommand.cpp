@@ -1,6 +1,8 @@
-#include "contracts/actions/RavoCapabilityFabric.h"
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/contracts/actions/RavoCapabilityFabric.h>
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -25,3 +27,5 @@ constinit const OrxCliCommand kOrxCliShortlistCommand{
     "Prints the ids of at most N (1 to 24, default 24) built-in actions ranked against TEXT, best first,\n"
     "as a JSON array. Actions that do not match at all fill the list after those that do.\n",
     runShortlist};
+
+}  // namespace ravo::orx

@@ -1,8 +1,10 @@
 #include <filesystem>
 
-#include "runtime/OrxPolicyRuntime.h"
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/runtime/OrxPolicyRuntime.h>
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -27,3 +29,5 @@ constinit const OrxCliCommand kOrxCliStatusCommand{
     "directory, then the bundled location) and prints its status text. When the artifacts were\n"
     "refused in whole or in part, prints the load error on a second line and exits with status 1.\n",
     runStatus};
+
+}  // namespace ravo::orx

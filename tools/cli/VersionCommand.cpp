@@ -1,6 +1,8 @@
-#include "runtime/OrxVersion.h"
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/runtime/OrxVersion.h>
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -15,3 +17,5 @@ int runVersion(OrxCliArguments& arguments) {
 constinit const OrxCliCommand kOrxCliVersionCommand{
     "version", "", "print the version of the tool and its libraries (also: ravo-orx --version)",
     "Prints \"ravo-orx\" and the version of the tool and the libraries it is built from.\n", runVersion};
+
+}  // namespace ravo::orx

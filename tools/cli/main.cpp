@@ -11,9 +11,11 @@
 #include <string>
 #include <vector>
 
-#include "runtime/OrxLog.h"
-#include "tools/cli/OrxCliCommand.h"
-#include "tools/cli/OrxCliIO.h"
+#include <ravo-orx/runtime/OrxLog.h>
+#include <ravo-orx/cli/OrxCliCommand.h>
+#include <ravo-orx/cli/OrxCliIO.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -127,6 +129,10 @@ int dispatch(std::vector<std::string> words) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 int main(int argc, char** argv) {
   // The runtime logs every load, and every load failure, to standard error. The tool keeps standard

@@ -1,4 +1,4 @@
-#include "tools/package_check/OrxArtifactBuild.h"
+#include <ravo-orx/package_check/OrxArtifactBuild.h>
 
 #include <cerrno>
 #include <cstring>
@@ -6,9 +6,14 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "core/ORXSHA256.h"
-#include "runtime/OrxArtifactFiles.h"
-#include "tools/package_check/OrxPackageCheck.h"
+#include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
+#include <ravo-orx/package_check/OrxPackageCheck.h>
+#include <ravo-orx/runtime/OrxEvidence.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -41,20 +46,20 @@ OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, const Orx
       for (const auto& failure : check.failures) build.failures.push_back(module + ": " + failure);
       build.modules.push_back({module, ORXSHA256::hex(wasm), ORXSHA256::hex(source), ORXSHA256::hex(manifest)});
       records.push_back(std::move(check.evidence));
-      files.push_back({paths.artifacts / (module + ".wasm"), text(wasm)});
-      files.push_back({paths.artifacts / (module + ".package-check.json"), std::move(check.report)});
+      files.push_back({paths.artifacts / (module + std::string(kOrxModuleFileSuffix)), text(wasm)});
+      files.push_back({paths.artifacts / (module + std::string(kOrxPackageCheckFileSuffix)), std::move(check.report)});
     } catch (const std::exception& error) {
       build.failures.push_back(module + ": " + error.what());
     }
   }
   if (!build.failures.empty()) return build;
 
-  const Json evidence = {{"generatedBy", "tools/build_orx.sh"},
-                         {"profile", "mock-output-v011"},
+  const Json evidence = {{"generatedBy", kOrxEvidenceGeneratedBy},
+                         {"profile", kOrxEvidenceProfile},
                          {"compilerIdentity", toolchain.compilerIdentity},
                          {"toolchainBundleSha256", toolchain.toolchainBundleSha256},
                          {"modules", records}};
-  files.push_back({paths.artifacts / "evidence.json", evidence.dump(2) + "\n"});
+  files.push_back({paths.artifacts / kOrxEvidenceFile, evidence.dump(2) + "\n"});
   files.push_back({paths.constantsSource, orxBuildConstantsSource(toolchain, build.modules)});
   build.files = std::move(files);
   return build;
@@ -79,3 +84,5 @@ std::vector<fs::path> writeChangedFiles(const std::vector<OrxBuiltFile>& files) 
   }
   return written;
 }
+
+}  // namespace ravo::orx

@@ -1,19 +1,22 @@
-#include "tools/package_check/OrxPackageCheck.h"
+#include <ravo-orx/package_check/OrxPackageCheck.h>
 
 #include <algorithm>
 #include <optional>
 
-#include "core/ORXSHA256.h"
-#include "runtime/OrxModuleInstance.h"
-#include "tools/package_check/OrxPolicyCases.h"
+#include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/engine/OrxModuleInstance.h>
+#include <ravo-orx/package_check/OrxPolicyCases.h>
+#include <ravo-orx/runtime/OrxEvidence.h>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
 using Json = nlohmann::ordered_json;
 
 // The ABI lanes the runtime admits.
-constexpr const char* kOrxAbi = "0.10";
-constexpr const char* kHostAbi = "0.11";
 
 Json checkContract(const OrxPolicyManifest& manifest, std::span<const std::uint8_t> wasm,
                    std::vector<std::string>& failures) {
@@ -36,7 +39,7 @@ Json runCases(const OrxPolicyManifest& manifest, std::span<const std::uint8_t> w
   if (!kind) return cases;  // the manifest's module name is already a failure
   try {
     for (const auto& result : runPolicyCases(wasm, manifest, *kind)) {
-      cases.push_back({{"case", result.policyCase->name}, {"status", result.problem.empty() ? "pass" : "fail"}});
+      cases.push_back({{"case", result.policyCase->name}, {"status", result.problem.empty() ? kOrxPackageCheckPassing : "fail"}});
       if (!result.problem.empty()) failures.push_back(result.policyCase->name + ": " + result.problem);
     }
   } catch (const std::exception& error) {
@@ -60,8 +63,8 @@ OrxPackageCheck checkPolicyPackage(const std::string& module, std::span<const st
   Json contract, cases = Json::array();
   if (manifest) {
     if (manifest->module != module) failures.push_back("manifest names module \"" + manifest->module + "\"");
-    if (manifest->orxAbi != kOrxAbi || manifest->hostAbi != kHostAbi) {
-      failures.push_back("the runtime admits orxAbi " + std::string(kOrxAbi) + " and hostAbi " + kHostAbi);
+    if (manifest->orxAbi != kOrxAbiLane || manifest->hostAbi != kOrxHostAbiLane) {
+      failures.push_back("the runtime admits orxAbi " + std::string(kOrxAbiLane) + " and hostAbi " + std::string(kOrxHostAbiLane));
     }
     contract = checkContract(*manifest, wasm, failures);
     cases = runCases(*manifest, wasm, failures);
@@ -69,7 +72,7 @@ OrxPackageCheck checkPolicyPackage(const std::string& module, std::span<const st
 
   const bool passed = failures.empty();
   const Json report = {{"module", module},
-                       {"status", passed ? "pass" : "fail"},
+                       {"status", passed ? kOrxPackageCheckPassing : "fail"},
                        {"sourceSha256", ORXSHA256::hex(source)},
                        {"packageManifestSha256", ORXSHA256::hex(manifestBytes)},
                        {"wasmSha256", ORXSHA256::hex(wasm)},
@@ -86,6 +89,8 @@ OrxPackageCheck checkPolicyPackage(const std::string& module, std::span<const st
                    {"packageManifestSha256", ORXSHA256::hex(manifestBytes)},
                    {"wasmSha256", ORXSHA256::hex(wasm)},
                    {"packageCheckSha256", ORXSHA256::hex(reportText)},
-                   {"packageCheckStatus", passed ? "pass" : "fail"}};
+                   {"packageCheckStatus", passed ? kOrxPackageCheckPassing : "fail"}};
   return {std::move(reportText), std::move(failures), std::move(evidence)};
 }
+
+}  // namespace ravo::orx

@@ -1,8 +1,12 @@
-#include "tools/package_check/OrxPolicyCases.h"
+#include <ravo-orx/package_check/OrxPolicyCases.h>
 
 #include <algorithm>
 #include <stdexcept>
 #include <type_traits>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -68,3 +72,5 @@ std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wa
   }
   return results;
 }
+
+}  // namespace ravo::orx

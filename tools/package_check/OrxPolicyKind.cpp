@@ -1,6 +1,10 @@
-#include "tools/package_check/OrxPolicyKind.h"
+#include <ravo-orx/package_check/OrxPolicyKind.h>
 
 #include <array>
+
+namespace ravo::orx {
+
+using namespace internal;
 
 namespace {
 
@@ -106,3 +110,5 @@ OrxPolicyModules orxModulesWith(const OrxPolicyKind& kind, std::unique_ptr<Loade
   }
   return modules;
 }
+
+}  // namespace ravo::orx

@@ -1,8 +1,10 @@
-#include "tools/package_check/OrxPolicyManifest.h"
+#include <ravo-orx/package_check/OrxPolicyManifest.h>
 
 #include <stdexcept>
 
 #include <nlohmann/json.hpp>
+
+namespace ravo::orx {
 
 OrxPolicyManifest OrxPolicyManifest::decode(std::span<const std::uint8_t> json, const std::string& name) {
   try {
@@ -29,3 +31,5 @@ OrxPolicyManifest OrxPolicyManifest::decode(std::span<const std::uint8_t> json, 
     throw std::runtime_error(name + ": " + error.what());
   }
 }
+
+}  // namespace ravo::orx

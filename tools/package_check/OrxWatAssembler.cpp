@@ -1,4 +1,4 @@
-#include "tools/package_check/OrxWatAssembler.h"
+#include <ravo-orx/package_check/OrxWatAssembler.h>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -14,6 +14,8 @@
 #include <stdexcept>
 
 extern char** environ;
+
+namespace ravo::orx {
 
 namespace {
 
@@ -96,3 +98,5 @@ std::vector<std::uint8_t> OrxWatAssembler::assemble(const fs::path& source) cons
   const std::string bytes = fileText(module);
   return {bytes.begin(), bytes.end()};
 }
+
+}  // namespace ravo::orx

@@ -6,10 +6,20 @@
 #include <cstdio>
 #include <string>
 
-#include "core/ORXSHA256.h"
-#include "runtime/OrxArtifactFiles.h"
-#include "runtime/OrxBuildConstants.h"
-#include "runtime/OrxModuleInstance.h"
+#include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
+#include <ravo-orx/runtime/OrxBuildConstants.h>
+#include <ravo-orx/engine/OrxModuleInstance.h>
+
+namespace ravo::orx {
+
+using namespace internal;
+
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
+using namespace ravo::orx::internal;
 
 int main(int argc, char** argv) {
   if (argc != 3) {

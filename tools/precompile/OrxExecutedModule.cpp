@@ -5,8 +5,18 @@
 #include <cstdio>
 #include <fstream>
 
-#include "runtime/OrxArtifactFiles.h"
-#include "runtime/OrxModuleInstance.h"
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
+#include <ravo-orx/engine/OrxModuleInstance.h>
+
+namespace ravo::orx {
+
+using namespace internal;
+
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
+using namespace ravo::orx::internal;
 
 int main(int argc, char** argv) {
   if (argc != 3) {

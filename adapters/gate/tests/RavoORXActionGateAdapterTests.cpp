@@ -2,10 +2,12 @@
 
 #include <stdexcept>
 
-#include "adapters/gate/RavoORXActionGateAdapter.h"
-#include "adapters/gate/RavoORXGate.h"
-#include "contracts/actions/RavoDefaultActionSafeguard.h"
+#include <ravo-orx/adapters/gate/RavoORXActionGateAdapter.h>
+#include <ravo-orx/adapters/gate/RavoORXGate.h>
+#include <ravo-orx/contracts/actions/RavoDefaultActionSafeguard.h>
 #include "contracts/actions/tests/RavoActionBrokerTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -192,3 +194,5 @@ TEST(RavoORXActionGateAdapter, ModelProposalsPassTheBrokerOnlyWhenVerified) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -3,9 +3,11 @@
 #include <thread>
 #include <vector>
 
-#include "adapters/gate/RavoORXActionGateAdapter.h"
-#include "adapters/gate/RavoORXGate.h"
+#include <ravo-orx/adapters/gate/RavoORXActionGateAdapter.h>
+#include <ravo-orx/adapters/gate/RavoORXGate.h>
 #include "contracts/actions/tests/RavoActionBrokerTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -45,3 +47,5 @@ TEST(RavoORXGateConcurrency, ThreadsRacingToTheFirstCandidateAgree) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -3,9 +3,11 @@
 #include <fstream>
 #include <sstream>
 
-#include "adapters/gate/RavoORXGate.h"
-#include "contracts/actions/RavoWallClock.h"
-#include "core/ORXError.h"
+#include <ravo-orx/adapters/gate/RavoORXGate.h>
+#include <ravo-orx/contracts/actions/RavoWallClock.h>
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -164,3 +166,5 @@ TEST(RavoORXGate, RawValuesOutsideTheirRangesYieldNothing) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "adapters/gate/RavoORXActionGateAdapter.h"
-#include "adapters/gate/RavoORXGate.h"
-#include "adapters/gate/RavoORXPolicyVerifier.h"
-#include "contracts/actions/RavoDefaultActionSafeguard.h"
+#include <ravo-orx/adapters/gate/RavoORXActionGateAdapter.h>
+#include <ravo-orx/adapters/gate/RavoORXGate.h>
+#include <ravo-orx/adapters/gate/RavoORXPolicyVerifier.h>
+#include <ravo-orx/contracts/actions/RavoDefaultActionSafeguard.h>
 #include "contracts/actions/tests/RavoActionBrokerTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -148,3 +150,5 @@ TEST(RavoORXPolicyVerifier, LetsAModelProposalThroughTheBrokerWithTheBundledPoli
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

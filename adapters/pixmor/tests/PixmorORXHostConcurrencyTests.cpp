@@ -15,6 +15,8 @@
 
 #include "adapters/pixmor/tests/PixmorORXTestSupport.h"
 
+namespace ravo::orx {
+
 namespace {
 
 using Outcome = PixmorORXTelemetryEvent::Outcome;
@@ -116,3 +118,5 @@ TEST(PixmorORXHostConcurrency, ProposalsFromManyThreadsAreInFlightTogether) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -8,9 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "adapters/pixmor/PixmorORXHostError.h"
-#include "adapters/pixmor/UnavailablePixmorORXTransport.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXHostError.h>
+#include <ravo-orx/adapters/pixmor/UnavailablePixmorORXTransport.h>
 #include "adapters/pixmor/tests/PixmorORXTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -237,3 +239,5 @@ TEST(PixmorORXHost, TimeoutsAreAtLeastOneMillisecondAndClampedToSixtyFourBits) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

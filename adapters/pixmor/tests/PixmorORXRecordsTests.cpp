@@ -2,6 +2,8 @@
 
 #include "adapters/pixmor/tests/PixmorORXTestSupport.h"
 
+namespace ravo::orx {
+
 namespace {
 
 TEST(PixmorORXRecords, RoundTripThroughJSONLeavingAbsentOptionalsOut) {
@@ -28,3 +30,5 @@ TEST(PixmorORXRecords, RoundTripThroughJSONLeavingAbsentOptionalsOut) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

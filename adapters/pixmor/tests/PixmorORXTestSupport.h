@@ -8,7 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/pixmor/PixmorORXHost.h"
+#include <ravo-orx/adapters/pixmor/PixmorORXHost.h>
+
+namespace ravo::orx {
 
 namespace pixmor_test {
 
@@ -59,3 +61,5 @@ class TelemetryLog {
 };
 
 }  // namespace pixmor_test
+
+}  // namespace ravo::orx

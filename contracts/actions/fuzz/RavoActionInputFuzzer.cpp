@@ -10,15 +10,17 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "contracts/actions/RavoActionIntentResolver.h"
-#include "contracts/actions/RavoActionProposal.h"
-#include "contracts/actions/RavoActionReceipt.h"
-#include "contracts/actions/RavoApplicationActionCatalog.h"
-#include "contracts/actions/RavoCapabilityFabric.h"
-#include "contracts/actions/RavoRemoteActionBroker.h"
-#include "contracts/actions/RavoVoiceFastPathRouter.h"
-#include "contracts/services/RavoAIProgressEvent.h"
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/actions/RavoActionIntentResolver.h>
+#include <ravo-orx/contracts/actions/RavoActionProposal.h>
+#include <ravo-orx/contracts/actions/RavoActionReceipt.h>
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+#include <ravo-orx/contracts/actions/RavoCapabilityFabric.h>
+#include <ravo-orx/contracts/actions/RavoRemoteActionBroker.h>
+#include <ravo-orx/contracts/actions/RavoVoiceFastPathRouter.h>
+#include <ravo-orx/contracts/services/RavoAIProgressEvent.h>
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -65,6 +67,10 @@ void parseText(std::string_view text) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;

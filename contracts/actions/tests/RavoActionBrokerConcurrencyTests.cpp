@@ -3,8 +3,10 @@
 #include <thread>
 #include <vector>
 
-#include "contracts/actions/RavoDefaultActionSafeguard.h"
+#include <ravo-orx/contracts/actions/RavoDefaultActionSafeguard.h>
 #include "contracts/actions/tests/RavoActionBrokerTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -65,3 +67,5 @@ TEST(RavoActionBrokerConcurrency, ConcurrentExecutionsNeverSpendMoreUsesThanTheG
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

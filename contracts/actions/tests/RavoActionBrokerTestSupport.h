@@ -5,8 +5,10 @@
 #include <chrono>
 #include <stdexcept>
 
-#include "contracts/actions/RavoActionExecutionBroker.h"
-#include "contracts/actions/RavoApplicationActionCatalog.h"
+#include <ravo-orx/contracts/actions/RavoActionExecutionBroker.h>
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+
+namespace ravo::orx {
 
 namespace ravo_test {
 
@@ -54,3 +56,5 @@ inline RavoActionProposal pauseProposal(RavoActionProposalOrigin origin = RavoAc
 }
 
 }  // namespace ravo_test
+
+}  // namespace ravo::orx

@@ -2,9 +2,11 @@
 
 #include <functional>
 
-#include "contracts/actions/RavoDefaultActionSafeguard.h"
-#include "contracts/actions/RavoHostGrantActionGate.h"
+#include <ravo-orx/contracts/actions/RavoDefaultActionSafeguard.h>
+#include <ravo-orx/contracts/actions/RavoHostGrantActionGate.h>
 #include "contracts/actions/tests/RavoActionBrokerTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -252,3 +254,5 @@ TEST(RavoActionExecutionBroker, RevokingOrReplacingAGrantResetsWhatItAllows) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "contracts/actions/RavoActionIntentResolver.h"
-#include "contracts/actions/RavoApplicationActionCatalog.h"
-#include "contracts/actions/RavoVoiceFastPathRouter.h"
+#include <ravo-orx/contracts/actions/RavoActionIntentResolver.h>
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+#include <ravo-orx/contracts/actions/RavoVoiceFastPathRouter.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -152,3 +154,5 @@ TEST(RavoVoiceFastPathRouter, RunsPlainPlaybackCommandsAndDraftsEverythingElse) 
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -3,9 +3,11 @@
 #include <cmath>
 #include <limits>
 
-#include "contracts/actions/RavoActionProposal.h"
-#include "contracts/actions/RavoActionReceipt.h"
-#include "contracts/actions/RavoApplicationActionManifest.h"
+#include <ravo-orx/contracts/actions/RavoActionProposal.h>
+#include <ravo-orx/contracts/actions/RavoActionReceipt.h>
+#include <ravo-orx/contracts/actions/RavoApplicationActionManifest.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -285,3 +287,5 @@ TEST(RavoApplicationActionManifest, DerivesItsIdAndOneActionNodePerAction) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

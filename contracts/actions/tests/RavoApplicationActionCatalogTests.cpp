@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
-#include "contracts/actions/RavoApplicationActionCatalog.h"
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -64,3 +66,5 @@ TEST(RavoApplicationActionCatalog, AnswersLookUpsAndStoresFoldedSortedTerms) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "contracts/actions/RavoCapabilityFabric.h"
-#include "contracts/actions/RavoDefaultActionSafeguard.h"
-#include "contracts/actions/RavoDirectActionGrantFactory.h"
-#include "contracts/actions/RavoHostGrantActionGate.h"
+#include <ravo-orx/contracts/actions/RavoCapabilityFabric.h>
+#include <ravo-orx/contracts/actions/RavoDefaultActionSafeguard.h>
+#include <ravo-orx/contracts/actions/RavoDirectActionGrantFactory.h>
+#include <ravo-orx/contracts/actions/RavoHostGrantActionGate.h>
 #include "contracts/actions/tests/RavoActionBrokerTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -203,3 +205,5 @@ TEST(RavoDirectActionGrantFactory, ADirectGrantPassesTheBrokerExactlyOnce) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

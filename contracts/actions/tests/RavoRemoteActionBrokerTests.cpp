@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "contracts/actions/RavoRemoteActionBroker.h"
+#include <ravo-orx/contracts/actions/RavoRemoteActionBroker.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -74,3 +76,5 @@ TEST(RavoRemoteActionBroker, AdmitsOneScopedUseAndChecksTheTargetBeforeAndAfter)
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

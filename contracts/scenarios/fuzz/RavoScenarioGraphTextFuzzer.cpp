@@ -11,14 +11,20 @@
 #include <string>
 #include <string_view>
 
-#include "contracts/scenarios/RavoScenarioGraph.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioGraph.h>
 #include "contracts/scenarios/tests/RavoScenarioDecodingOutcome.h"
+
+namespace ravo::orx {
 
 namespace {
 
 using Outcome = RavoScenarioDecodingOutcome<RavoScenarioGraph>;
 
 }  // namespace
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);

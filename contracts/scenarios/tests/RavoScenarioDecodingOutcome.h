@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+namespace ravo::orx {
+
 template <class Record>
 struct RavoScenarioDecodingOutcome {
   std::optional<Record> record;
@@ -20,3 +22,5 @@ struct RavoScenarioDecodingOutcome {
     }
   }
 };
+
+}  // namespace ravo::orx

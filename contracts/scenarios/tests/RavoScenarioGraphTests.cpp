@@ -3,10 +3,12 @@
 #include <cmath>
 #include <limits>
 
-#include "contracts/scenarios/RavoScenarioCanonicalizer.h"
-#include "contracts/scenarios/RavoScenarioEffectReceipt.h"
-#include "contracts/scenarios/RavoScenarioEncodingError.h"
-#include "contracts/scenarios/RavoScenarioRevision.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioCanonicalizer.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioEffectReceipt.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioEncodingError.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioRevision.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -183,3 +185,5 @@ TEST(RavoScenarioGraph, GraphsWithoutJSONTextCannotBeRevised) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

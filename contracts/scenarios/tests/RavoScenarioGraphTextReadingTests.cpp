@@ -3,8 +3,10 @@
 #include <optional>
 #include <string>
 
-#include "contracts/scenarios/RavoScenarioGraph.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioGraph.h>
 #include "contracts/scenarios/tests/RavoScenarioDecodingOutcome.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -57,3 +59,5 @@ TEST(RavoScenarioGraphTextReading, GivesTheGraphOrTheErrorOfTheDocumentPath) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

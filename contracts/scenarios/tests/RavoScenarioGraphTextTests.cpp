@@ -3,8 +3,10 @@
 #include <limits>
 #include <string>
 
-#include "contracts/scenarios/RavoScenarioCanonicalizer.h"
-#include "contracts/scenarios/RavoScenarioEncodingError.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioCanonicalizer.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioEncodingError.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -91,3 +93,5 @@ TEST(RavoScenarioGraphText, RefusesWhatHasNoJSONText) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

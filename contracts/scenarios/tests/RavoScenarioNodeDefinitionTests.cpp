@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "contracts/scenarios/RavoScenarioNodeDefinition.h"
+#include <ravo-orx/contracts/definitions/RavoScenarioNodeDefinition.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -107,3 +109,5 @@ TEST(RavoScenarioExecutionBounds, ManualActionEncodesItsFourLimits) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

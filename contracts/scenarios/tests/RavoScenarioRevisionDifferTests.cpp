@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "contracts/scenarios/RavoScenarioRevisionDiffer.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioRevisionDiffer.h>
 #include "contracts/scenarios/tests/RavoScenarioTestUUID.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -114,3 +116,5 @@ TEST(RavoScenarioRevisionDiffer, DiffRoundTripsThroughJSON) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -3,7 +3,9 @@
 
 #include <cstdint>
 
-#include "contracts/support/RavoUUID.h"
+#include <ravo-orx/contracts/support/RavoUUID.h>
+
+namespace ravo::orx {
 
 inline RavoUUID ravoTestUUID(int n) {
   RavoUUID::Bytes bytes{};
@@ -11,3 +13,5 @@ inline RavoUUID ravoTestUUID(int n) {
   bytes[14] = static_cast<std::uint8_t>(n >> 8);
   return RavoUUID(bytes);
 }
+
+}  // namespace ravo::orx

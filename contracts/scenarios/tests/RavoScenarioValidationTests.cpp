@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "contracts/actions/RavoApplicationActionCatalog.h"
-#include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
-#include "contracts/scenarios/RavoScenarioCatalog.h"
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioBuiltInCatalog.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioCatalog.h>
 #include "contracts/scenarios/tests/RavoScenarioTestUUID.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -196,3 +198,5 @@ TEST(RavoScenarioCatalog, BuiltInDefinitionsFollowTheActionCatalog) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

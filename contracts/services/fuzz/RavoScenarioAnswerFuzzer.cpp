@@ -7,10 +7,17 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
-#include "contracts/scenarios/RavoScenarioCatalog.h"
-#include "contracts/scenarios/RavoScenarioRevisionDiffer.h"
-#include "contracts/services/RavoJSONScenarioDraftProposer.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioBuiltInCatalog.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioCatalog.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioRevisionDiffer.h>
+#include <ravo-orx/contracts/services/RavoJSONScenarioDraftProposer.h>
+
+namespace ravo::orx {
+
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const RavoScenarioDraftingRequest request(RavoUUID::random(), 1, "fuzz", false, {});

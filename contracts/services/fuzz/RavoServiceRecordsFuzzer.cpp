@@ -7,13 +7,15 @@
 #include <cstdint>
 #include <string_view>
 
-#include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
-#include "contracts/scenarios/RavoScenarioCatalog.h"
-#include "contracts/scenarios/RavoScenarioRevisionDiffer.h"
-#include "contracts/services/RavoHomeCommandProposalValidator.h"
-#include "contracts/services/RavoHomeInventoryValidator.h"
-#include "contracts/services/RavoKettleLoopbackPlan.h"
-#include "contracts/services/RavoModelProviderRecord.h"
+#include <ravo-orx/contracts/scenarios/RavoScenarioBuiltInCatalog.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioCatalog.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioRevisionDiffer.h>
+#include <ravo-orx/contracts/services/RavoHomeCommandProposalValidator.h>
+#include <ravo-orx/contracts/services/RavoHomeInventoryValidator.h>
+#include <ravo-orx/contracts/services/RavoKettleLoopbackPlan.h>
+#include <ravo-orx/contracts/services/RavoModelProviderRecord.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -29,6 +31,10 @@ std::optional<T> decoded(const RavoJSON& json) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx
+
+using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   RavoJSON json;

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "contracts/services/RavoAIProgressEvent.h"
+#include <ravo-orx/contracts/services/RavoAIProgressEvent.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -63,3 +65,5 @@ TEST(RavoAIProgressEvent, EncodesKeysInOrderAndDecodesBackOrRefuses) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -6,8 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "contracts/services/RavoHomeCommandProposalValidator.h"
-#include "contracts/services/RavoHomeInventoryValidator.h"
+#include <ravo-orx/contracts/services/RavoHomeCommandProposalValidator.h>
+#include <ravo-orx/contracts/services/RavoHomeInventoryValidator.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -140,3 +142,5 @@ TEST(RavoHomeCommandProposal, RoundTripsThroughJSONLeavingAbsentValuesOut) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "contracts/services/RavoJSONScenarioDraftProposer.h"
+#include <ravo-orx/contracts/services/RavoJSONScenarioDraftProposer.h>
 #include "contracts/services/tests/RavoScenarioDraftingTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -97,3 +99,5 @@ TEST(RavoJSONScenarioDraftProposer, DraftsThroughTheServiceWithAModelCallback) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

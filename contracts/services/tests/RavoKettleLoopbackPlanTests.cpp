@@ -6,7 +6,9 @@
 #include <optional>
 #include <unordered_set>
 
-#include "contracts/services/RavoKettleLoopbackPlan.h"
+#include <ravo-orx/contracts/services/RavoKettleLoopbackPlan.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -99,3 +101,5 @@ TEST(RavoKettleLoopbackPlan, DecodedPlansAreTakenAsTheyStandAndTickSafely) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -8,7 +8,9 @@
 #include <thread>
 #include <vector>
 
-#include "contracts/services/RavoModelProviderRegistry.h"
+#include <ravo-orx/contracts/services/RavoModelProviderRegistry.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -63,3 +65,5 @@ TEST(RavoModelProviderRegistryConcurrency, ConcurrentMovesKeepEveryRecordConsist
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

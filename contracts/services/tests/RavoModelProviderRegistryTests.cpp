@@ -3,7 +3,9 @@
 #include <optional>
 #include <vector>
 
-#include "contracts/services/RavoModelProviderRegistry.h"
+#include <ravo-orx/contracts/services/RavoModelProviderRegistry.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -145,3 +147,5 @@ TEST(RavoModelProviderRecord, RoundTripsThroughJSON) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -9,6 +9,8 @@
 
 #include "contracts/services/tests/RavoScenarioDraftingTestSupport.h"
 
+namespace ravo::orx {
+
 namespace {
 
 using namespace drafting_test;
@@ -78,3 +80,5 @@ TEST(RavoScenarioDraftingConcurrency, ManyCallersResendingOneAnswerGetItAccepted
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "contracts/actions/RavoApplicationActionCatalog.h"
+#include <ravo-orx/contracts/actions/RavoApplicationActionCatalog.h>
 #include "contracts/services/tests/RavoScenarioDraftingTestSupport.h"
+
+namespace ravo::orx {
 
 namespace {
 
@@ -137,3 +139,5 @@ TEST(RavoScenarioDraftingService, NodeHintsSortTheirParametersAndRoundTrip) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -3,10 +3,12 @@
 
 #include <functional>
 
-#include "contracts/services/RavoScenarioDraftProposer.h"
-#include "contracts/services/RavoScenarioDraftingService.h"
-#include "contracts/scenarios/RavoScenarioBuiltInCatalog.h"
+#include <ravo-orx/contracts/services/RavoScenarioDraftProposer.h>
+#include <ravo-orx/contracts/services/RavoScenarioDraftingService.h>
+#include <ravo-orx/contracts/scenarios/RavoScenarioBuiltInCatalog.h>
 #include "contracts/scenarios/tests/RavoScenarioTestUUID.h"
+
+namespace ravo::orx {
 
 namespace drafting_test {
 
@@ -50,3 +52,5 @@ inline RavoScenarioDraftingService builtInService() {
 }
 
 }  // namespace drafting_test
+
+}  // namespace ravo::orx

@@ -2,7 +2,9 @@
 
 #include <string>
 
-#include "contracts/support/RavoJSON.h"
+#include <ravo-orx/contracts/support/RavoJSON.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -93,3 +95,5 @@ TEST(RavoJSONReader, RefusesNestingPastTheLimitInTheSameWords) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

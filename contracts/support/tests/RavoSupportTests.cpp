@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "contracts/support/RavoJSON.h"
+#include <ravo-orx/contracts/support/RavoJSON.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -104,3 +106,5 @@ TEST(RavoJSONObjectWriter, KeepsCallOrderAndLeavesAbsentOptionalsOut) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

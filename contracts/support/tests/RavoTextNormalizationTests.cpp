@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "contracts/support/RavoTextNormalization.h"
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
+
+namespace ravo::orx {
 
 namespace {
 
@@ -74,3 +76,5 @@ TEST(RavoTextNormalization, SplitsTokensAtEverythingButLettersAndNumbers) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -3,6 +3,9 @@
 
 #include "tools/cli/tests/OrxCliToolRunner.h"
 
+namespace ravo::orx {
+
+
 namespace {
 
 using namespace orx_cli_test;
@@ -278,3 +281,5 @@ TEST(RavoOrxTool, AFailedWriteIsReportedAndExitsOne) {
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

@@ -6,6 +6,9 @@
 #include "runtime/tests/WatAssembler.h"
 #include "tools/cli/tests/OrxCliToolRunner.h"
 
+namespace ravo::orx {
+
+
 namespace {
 
 using namespace orx_cli_test;
@@ -198,15 +201,17 @@ TEST(RavoOrxPolicy, Bench) {
   });
 }
 
+const fs::path kConstantsHeader = "runtime/constants/include/ravo-orx/runtime/OrxBuildConstants.h";
+
 // The build runs in a scratch tree holding what it reads: the policies, the package check's sources
 // (part of the toolchain digest) and the constants header that marks the repository root.
 struct BuildTree {
   BuildTree() : scratch("ravo-orx-build-") {
     fs::copy(kRoot / "policies", root / "policies");
     fs::create_directories(root / "tools");
-    fs::copy(kRoot / "tools/package_check", root / "tools/package_check");
-    fs::create_directories(root / "runtime");
-    fs::copy(kRoot / "runtime/OrxBuildConstants.h", root / "runtime");
+    fs::copy(kRoot / "tools/package_check", root / "tools/package_check", fs::copy_options::recursive);
+    fs::create_directories(root / kConstantsHeader.parent_path());
+    fs::copy(kRoot / kConstantsHeader, root / kConstantsHeader);
   }
   Outcome build() const { return run({"policy", "build"}, "", root); }
   Scratch scratch;
@@ -255,10 +260,12 @@ TEST(RavoOrxPolicy, BuildWritesNothingWhenACheckFails) {
 
   const Scratch elsewhere("ravo-orx-elsewhere-");
   expectOutcomes({{{"policy", "build"}, "",
-                   refused("ravo-orx policy build runs from the repository root (no runtime/OrxBuildConstants.h "
-                           "and tools/package_check/ here)")},
+                   refused("ravo-orx policy build runs from the repository root (no " + kConstantsHeader.string() +
+                           " and tools/package_check/ here)")},
                   {{"policy", "build", "extra"}, "", misused("policy build", "unexpected argument \"extra\"")}},
                  elsewhere.path);
 }
 
 }  // namespace
+
+}  // namespace ravo::orx

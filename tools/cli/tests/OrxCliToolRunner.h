@@ -15,6 +15,8 @@
 
 extern char** environ;
 
+namespace ravo::orx {
+
 namespace orx_cli_test {
 
 namespace fs = std::filesystem;
@@ -98,3 +100,5 @@ inline void expectOutcomes(const std::vector<Case>& cases, const fs::path& worki
 }
 
 }  // namespace orx_cli_test
+
+}  // namespace ravo::orx

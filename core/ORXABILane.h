@@ -1,7 +1,0 @@
-#pragma once
-// The ABI lanes a policy package may be built for. Comparison is exact: "0.10.0" and "0.9" are not
-// admitted.
-
-#include <string_view>
-
-inline bool orxIsAdmittedABILane(std::string_view lane) { return lane == "0.10" || lane == "0.11" || lane == "0.12"; }

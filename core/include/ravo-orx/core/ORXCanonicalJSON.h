@@ -1,0 +1,33 @@
+#pragma once
+// The strict parser of canonical JSON. It accepts the value subset the serializer produces (written with
+// any whitespace, escapes and key order) and refuses everything else with ORXError::parse. Parsing a
+// text and serializing the result tells whether the text was canonical.
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include <ravo-orx/core/ORXCanonicalValue.h>
+#include <ravo-orx/core/ORXError.h>
+
+namespace ravo::orx {
+
+namespace ORXCanonicalJSON {
+
+// Arrays and objects nest at most this deep. The parser recurses once per level, so the limit keeps
+// hostile input from exhausting the stack; no record of the host contract comes near it. Values built
+// in code are held to the same depth.
+inline constexpr int kMaxNestingDepth = ORXCanonicalValue::kMaxNestingDepth;
+
+ORXCanonicalValue parse(std::string_view text);
+ORXCanonicalValue parse(std::span<const std::uint8_t> bytes);
+
+// The canonical text of the document: the bytes parse(text).canonicalString() gives, refused with the
+// same errors, but written straight from the text without building the value. Objects whose keys
+// arrive out of order are put in order when they close; the output is never longer than the text.
+std::string canonicalize(std::string_view text);
+
+}  // namespace ORXCanonicalJSON
+
+}  // namespace ravo::orx

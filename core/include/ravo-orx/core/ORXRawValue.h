@@ -1,0 +1,36 @@
+#pragma once
+// Closed sets whose members carry a text raw value (their canonical form). A set declares its texts
+// once, by specialising ORXRawValueTable<E> with
+//   static constexpr std::array<std::pair<E, std::string_view>, N> entries;
+// and gains orxRawValue(e) and orxFromRawValue<E>(text), which accepts exactly the declared texts.
+
+#include <array>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace ravo::orx {
+
+template <class E>
+struct ORXRawValueTable;
+
+template <class E>
+concept ORXRawValued = requires { ORXRawValueTable<E>::entries; };
+
+template <ORXRawValued E>
+constexpr std::string_view orxRawValue(E value) {
+  for (const auto& [member, text] : ORXRawValueTable<E>::entries) {
+    if (member == value) return text;
+  }
+  return {};
+}
+
+template <ORXRawValued E>
+constexpr std::optional<E> orxFromRawValue(std::string_view text) {
+  for (const auto& [member, memberText] : ORXRawValueTable<E>::entries) {
+    if (memberText == text) return member;
+  }
+  return std::nullopt;
+}
+
+}  // namespace ravo::orx

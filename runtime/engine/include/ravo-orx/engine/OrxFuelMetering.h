@@ -1,0 +1,44 @@
+#pragma once
+// Metering: a module that cannot be proven bounded (OrxExecutionBound.h) is rewritten at load through
+// wabt's IR (read, instrument, validate, write) so that it enforces the execution budgets itself, and
+// every tier runs the same rewritten code:
+//   - fuel: an i64 global, set to kOrxFuelPerCall before each call of `decide` (and initially, for the
+//     start function). Each function entry is charged its instructions outside loops plus its locals,
+//     each loop iteration the instructions of its body outside nested loops, and each bulk memory or
+//     table operation its length in bytes or elements. A charge that leaves the fuel negative traps;
+//   - stack: an i32 global, reset to 0 before each call. Each call of a module function adds the
+//     callee's frame (kOrxFrameUnits plus its parameters and locals; an indirect call the largest
+//     frame) and traps past kOrxMaxStackUnits, so deep recursion never reaches the native stack;
+//   - growth: memories and tables get a maximum of at most their cap, so `memory.grow` and
+//     `table.grow` past it return -1.
+// The traps are `unreachable`; the host tells them from the module's own by the globals' values after
+// the trap (fuel below zero, stack above its limit). Both globals are exported under the names below,
+// and the start function is exported instead of started, so that the host can set the budgets before
+// it runs and tell its traps apart too; a metered module may not export these names itself.
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <ravo-orx/engine/OrxExecutionBound.h>
+
+namespace ravo::orx::internal {
+
+inline constexpr const char* kOrxFuelExport = "orx:fuel";
+inline constexpr const char* kOrxStackExport = "orx:stack";
+inline constexpr const char* kOrxStartExport = "orx:start";
+
+// The text of a metered module's trap when the budget globals show it was a budget trap, else nothing.
+inline std::optional<std::string> budgetTrapText(std::int64_t fuel, std::uint32_t stack) {
+  if (fuel < 0) return "RuntimeError: execution budget exhausted";
+  if (stack > kOrxMaxStackUnits) return "RuntimeError: call stack exhausted";
+  return std::nullopt;
+}
+
+// Fills `metered` and returns nothing, or returns the refusal ("CompileError: …"). `bytes` must have
+// passed the load budgets and wabt's validation.
+std::optional<std::string> meterModule(const std::uint8_t* bytes, std::size_t size, std::vector<std::uint8_t>& metered);
+
+}  // namespace ravo::orx::internal

@@ -1,0 +1,34 @@
+#pragma once
+// The one way the engine reads module bytes: the load budgets on the raw bytes (OrxLoadBudgets.h), the
+// code analysis with its own budgets (OrxExecutionBound.h), then wabt's reading and validation into
+// its description of a module.
+
+#include <wabt/binary-reader.h>
+#include <wabt/error.h>
+#include <wabt/interp/interp.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include <ravo-orx/engine/OrxExecutionBound.h>
+
+namespace ravo::orx::internal {
+
+// Nothing when `desc` and `analysis` now describe the module; otherwise the refusal, "CompileError: …".
+std::optional<std::string> readWabtModule(const std::uint8_t* bytes, std::size_t size, wabt::interp::ModuleDesc& desc,
+                                          OrxCodeAnalysis& analysis);
+
+// wabt's reading and validation alone, for bytes the host produced itself (a metered module).
+std::optional<std::string> readValidatedModule(const std::uint8_t* bytes, std::size_t size,
+                                               wabt::interp::ModuleDesc& desc);
+
+// How every reader of module bytes has wabt read them: the default features, no debug names, stopping
+// at the first error, custom sections ignored when malformed.
+wabt::ReadBinaryOptions wabtReadOptions();
+
+// wabt's errors as one refusal text, "CompileError: …".
+std::string wabtCompileError(const wabt::Errors& errors);
+
+}  // namespace ravo::orx::internal

@@ -1,0 +1,59 @@
+#pragma once
+// The module host: one instantiated policy module, with the digest of the bytes it was made from.
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include <ravo-orx/engine/OrxModuleInstance.h>
+
+namespace ravo::orx::internal {
+
+// How a loaded module runs: on wabt's interpreter, or as native code the build translated from exactly
+// these bytes.
+enum class OrxExecutionTier { interpreted, precompiled };
+
+// "interpreted" or "precompiled".
+std::string_view orxCaseName(OrxExecutionTier value);
+
+class LoadedModule {
+ public:
+  // Checks the load budgets, parses and validates the bytes (metering them unless they are statically
+  // bounded), then binds precompiled code when the build compiled a module with their digest (unless
+  // `allowPrecompiled` is false) and the interpreter otherwise. The digest is of the bytes as given.
+  // Throws RuntimeError: "Could not instantiate ORX module <name>: <engine text>" or
+  // "ORX module <name> has no decide export".
+  static std::unique_ptr<LoadedModule> instantiate(std::string_view name, std::span<const std::uint8_t> bytes,
+                                                   bool allowPrecompiled = true);
+
+  LoadedModule(std::unique_ptr<OrxModuleInstance> instance, std::string digest, OrxExecutionTier tier);
+
+  // 64 lowercase hex digits: SHA-256 of the module's bytes.
+  const std::string& digest() const { return digest_; }
+  OrxExecutionTier tier() const { return tier_; }
+
+  // One `decide` call; never throws. Callers serialise calls (the runtime holds its lock). Inline: it
+  // is on every decision's path.
+  OrxInvocation invoke(std::span<const std::int32_t> arguments) noexcept {
+    try {
+      return instance_->invoke(arguments.data(), arguments.size());
+    } catch (const std::exception& error) {
+      return failedInvocation(error.what());
+    } catch (...) {
+      return failedInvocation("unknown exception");
+    }
+  }
+
+ private:
+  OrxInvocation failedInvocation(const char* error);
+
+  std::unique_ptr<OrxModuleInstance> instance_;
+  std::string digest_;
+  OrxExecutionTier tier_;
+  OrxInvocationErrorText failure_;  // for calls the engine failed by throwing
+};
+
+}  // namespace ravo::orx::internal

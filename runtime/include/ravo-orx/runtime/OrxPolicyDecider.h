@@ -1,0 +1,65 @@
+#pragma once
+// Takes the three decisions with whatever modules it was given: packs the facts, calls `decide`,
+// accepts an answer only when the emitted record repeats it under the module's tag with every field in
+// range, and otherwise returns the fail-safe decision and counts the failure. The ...WithSource calls
+// also say whether the answer is the module's or which fail-safe path produced it. One non-recursive lock is
+// held for the whole of each decision, so no two calls share an engine instance and no call observes
+// another's emitted values. Never throws.
+//
+// OrxPolicyRuntime feeds it only digest-verified modules; tests and the package check feed it modules
+// directly.
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/runtime/OrxPolicyDecisions.h>
+#include <ravo-orx/runtime/OrxPolicyFacts.h>
+
+namespace ravo::orx::internal {
+
+struct OrxPolicyModules {
+  std::unique_ptr<LoadedModule> authorization;
+  std::unique_ptr<LoadedModule> sync;
+  std::unique_ptr<LoadedModule> cinemaAdmission;
+};
+
+class OrxPolicyDecider {
+ public:
+  explicit OrxPolicyDecider(OrxPolicyModules modules);
+
+  bool isAuthorizationAvailable() const;
+  bool isSyncAvailable() const;
+  bool isCinemaAdmissionAvailable() const;
+  std::string statusDescription() const;
+  // How each module runs, for tools: "authz precompiled / sync interpreted / cinema unavailable".
+  std::string executionTiers() const;
+  std::uint64_t failureCount() const;
+
+  OrxAuthorizationDecision authorize(const AuthorizationFacts& facts) { return authorizeWithSource(facts).decision; }
+  OrxSyncDecision correctSync(const SyncFacts& facts) { return correctSyncWithSource(facts).decision; }
+  OrxCinemaAdmissionDecision decideCinemaAdmission(const CinemaAdmissionFacts& facts) {
+    return decideCinemaAdmissionWithSource(facts).decision;
+  }
+
+  OrxSourcedDecision<OrxAuthorizationDecision> authorizeWithSource(const AuthorizationFacts& facts) noexcept;
+  OrxSourcedDecision<OrxSyncDecision> correctSyncWithSource(const SyncFacts& facts) noexcept;
+  OrxSourcedDecision<OrxCinemaAdmissionDecision> decideCinemaAdmissionWithSource(const CinemaAdmissionFacts& facts) noexcept;
+
+  static bool isValidHostSyncOutput(OrxSyncAction action, std::int32_t rateX1000, std::int32_t correctionMilliseconds,
+                                    std::int32_t reason);
+  static bool isValidCinemaAdmissionOutput(OrxCinemaAdmissionRoute route, std::int32_t sparseAnchorIntervalFrames,
+                                           std::int32_t safeBudgetTenthsMilliseconds, OrxCinemaAdmissionReason reason);
+
+ private:
+  template <class Decision>
+  OrxSourcedDecision<Decision> fail(Decision failSafe, OrxDecisionSource source);  // caller holds lock_
+
+  mutable std::mutex lock_;
+  OrxPolicyModules modules_;
+  std::uint64_t runtimeFailureCount_ = 0;
+};
+
+}  // namespace ravo::orx::internal

@@ -1,0 +1,129 @@
+#pragma once
+// The three decisions, their enumerations (signed 32-bit raw values shared with the policy modules)
+// and the fail-safe decisions taken whenever a module cannot be trusted to answer.
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace ravo::orx {
+
+enum class OrxAuthorizationReason : std::int32_t {
+  allowed = 0,
+  unpaired = 1,
+  tokenExpired = 2,
+  rateLimited = 3,
+  missingGrant = 4,
+  notController = 5,
+  unknownCommand = 6,
+  needsAdmin = 7,
+  runtimeUnavailable = 100,
+  invalidResult = 101,
+};
+
+enum class OrxSyncAction : std::int32_t { hold = 0, nudge = 1, seek = 2 };
+
+enum class OrxCinemaAdmissionRoute : std::int32_t {
+  metalFXOnly = 0,
+  fullFrameML = 1,
+  sparseAnchorResearch = 2,
+  calibration = 3,
+  measurementRequired = 4,
+};
+
+enum class OrxCinemaAdmissionReason : std::int32_t {
+  liveSafe = 0,
+  thermalOrMemory = 1,
+  sourceReservoir = 2,
+  nonMLOverBudget = 3,
+  sparseResearch = 4,
+  calibration = 5,
+  invalidFacts = 6,
+};
+
+// The case's name as written in the enumeration ("tokenExpired", "nudge"), for reports and tools.
+std::string_view orxCaseName(OrxAuthorizationReason value);
+std::string_view orxCaseName(OrxSyncAction value);
+std::string_view orxCaseName(OrxCinemaAdmissionRoute value);
+std::string_view orxCaseName(OrxCinemaAdmissionReason value);
+
+// Where a decision came from: the module's validated answer, or the fail-safe decision taken because
+// the module was not loaded, trapped, or emitted an answer that failed validation.
+enum class OrxDecisionSource : std::uint8_t { policy, moduleUnavailable, trap, invalidOutput };
+
+// "policy", "moduleUnavailable", "trap" or "invalidOutput".
+std::string_view orxCaseName(OrxDecisionSource value);
+
+template <class E>
+constexpr std::int32_t rawValue(E value) {
+  return static_cast<std::int32_t>(value);
+}
+
+// Raw value to case; an unknown raw value yields nothing. Inline because every decision converts its
+// answer: returned out of line, the optional goes through memory and the caller waits on it.
+template <class E>
+constexpr std::optional<E> orxCaseInRange(std::int32_t raw, E last) {
+  if (raw < 0 || raw > rawValue(last)) return std::nullopt;
+  return static_cast<E>(raw);
+}
+
+constexpr std::optional<OrxAuthorizationReason> orxAuthorizationReason(std::int32_t raw) {
+  if (raw == rawValue(OrxAuthorizationReason::runtimeUnavailable)) return OrxAuthorizationReason::runtimeUnavailable;
+  if (raw == rawValue(OrxAuthorizationReason::invalidResult)) return OrxAuthorizationReason::invalidResult;
+  return orxCaseInRange(raw, OrxAuthorizationReason::needsAdmin);
+}
+constexpr std::optional<OrxSyncAction> orxSyncAction(std::int32_t raw) {
+  return orxCaseInRange(raw, OrxSyncAction::seek);
+}
+constexpr std::optional<OrxCinemaAdmissionRoute> orxCinemaAdmissionRoute(std::int32_t raw) {
+  return orxCaseInRange(raw, OrxCinemaAdmissionRoute::measurementRequired);
+}
+constexpr std::optional<OrxCinemaAdmissionReason> orxCinemaAdmissionReason(std::int32_t raw) {
+  return orxCaseInRange(raw, OrxCinemaAdmissionReason::invalidFacts);
+}
+
+struct OrxAuthorizationDecision {
+  bool isAllowed;
+  OrxAuthorizationReason reason;
+  std::int32_t policyVersion;
+
+  static constexpr OrxAuthorizationDecision runtimeUnavailable() {
+    return {false, OrxAuthorizationReason::runtimeUnavailable, 0};
+  }
+  static constexpr OrxAuthorizationDecision invalid() { return {false, OrxAuthorizationReason::invalidResult, 0}; }
+  friend bool operator==(const OrxAuthorizationDecision&, const OrxAuthorizationDecision&) = default;
+};
+
+struct OrxSyncDecision {
+  OrxSyncAction action;
+  std::int32_t rateX1000;
+  std::int32_t correctionMilliseconds;
+  std::int32_t reason;
+
+  static constexpr OrxSyncDecision hold() { return {OrxSyncAction::hold, 1000, 0, 1}; }
+  friend bool operator==(const OrxSyncDecision&, const OrxSyncDecision&) = default;
+};
+
+struct OrxCinemaAdmissionDecision {
+  OrxCinemaAdmissionRoute route;
+  std::int32_t sparseAnchorIntervalFrames;
+  std::int32_t safeBudgetTenthsMilliseconds;
+  OrxCinemaAdmissionReason reason;
+
+  static constexpr OrxCinemaAdmissionDecision metalFXOnly() {
+    return {OrxCinemaAdmissionRoute::metalFXOnly, 0, 0, OrxCinemaAdmissionReason::invalidFacts};
+  }
+  friend bool operator==(const OrxCinemaAdmissionDecision&, const OrxCinemaAdmissionDecision&) = default;
+};
+
+// A decision with its source, so a fail-safe answer can be told from the module's own without comparing
+// failure counts around the call.
+template <class Decision>
+struct OrxSourcedDecision {
+  Decision decision;
+  OrxDecisionSource source;
+
+  friend bool operator==(const OrxSourcedDecision&, const OrxSourcedDecision&) = default;
+};
+
+}  // namespace ravo::orx

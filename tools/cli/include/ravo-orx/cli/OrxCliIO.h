@@ -1,0 +1,45 @@
+#pragma once
+// Where a subcommand's document comes from and where its result goes. Results are written to standard
+// output only, each ending with a newline, so that scripts can take them as they are.
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <ravo-orx/contracts/support/RavoJSON.h>
+#include <ravo-orx/cli/OrxCliArguments.h>
+
+namespace ravo::orx {
+
+// The most bytes a subcommand reads as one document. Every document subcommand holds its input and
+// more (canon about 2.6 times it), and a stream such as /dev/zero never ends: without a bound either
+// would take the machine's memory. 256 MiB is over ten times the largest graph or document we benchmark.
+inline constexpr std::uint64_t kOrxCliInputByteLimit = std::uint64_t{256} << 20;
+
+// How messages name an input: the file, or "standard input" when no file is named or it is "-".
+std::string orxCliInputName(const std::optional<std::string>& file);
+
+// The bytes of `file`, or of standard input when no file is named or it is "-", exactly as they are.
+// Throws std::runtime_error "could not read <file>: <reason>", "could not read <file>: input exceeds
+// the limit of 268435456 bytes" past kOrxCliInputByteLimit.
+std::string orxCliReadInput(const std::optional<std::string>& file);
+// The same bytes handed to `consume` piece by piece as they are read, for commands that need not hold
+// a whole file (hashing one of gigabytes). Throws like orxCliReadInput.
+void orxCliReadInPieces(const std::optional<std::string>& file,
+                        const std::function<void(std::string_view)>& consume);
+
+// Takes the optional FILE that ends a subcommand's arguments, refuses anything left over, and reads
+// the document.
+std::string orxCliReadDocument(OrxCliArguments& arguments);
+
+// Writes "<program>: warning: <text>" and a newline to standard error; the result is still printed.
+void orxCliWarn(std::string_view program, std::string_view text);
+
+// Writes `text` and a newline to standard output.
+void orxCliPrint(std::string_view text);
+// Writes `json` compactly, on one line.
+void orxCliPrintJSON(const RavoJSON& json);
+
+}  // namespace ravo::orx

@@ -1,0 +1,28 @@
+#pragma once
+// Runs a manifest's cases against a module the way the runtime would decide them: each case must make
+// the module emit exactly the case's five values, and the runtime's decision path must accept that
+// record as the decision it stands for.
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <ravo-orx/package_check/OrxPolicyKind.h>
+#include <ravo-orx/package_check/OrxPolicyManifest.h>
+
+namespace ravo::orx {
+
+struct OrxPolicyCaseResult {
+  const OrxPolicyCase* policyCase;
+  std::string problem;                // empty when the case passed: "expected [..], emitted [..]"
+  std::optional<std::int32_t> reason;  // the reason code the module emitted, if it emitted a record
+};
+
+// Throws std::runtime_error when the manifest's facts are not the kind's, and RuntimeError with the
+// module host's text when the module does not load.
+std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest,
+                                                const OrxPolicyKind& kind);
+
+}  // namespace ravo::orx
