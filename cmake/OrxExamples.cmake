@@ -2,6 +2,7 @@
 # then each examples.<name> builds examples/<name> against that prefix alone, installs it there and
 # runs it from an empty working directory, so it must find the installed artifacts by itself.
 # examples.pkg_config builds the decisions example once more with ravo-orx.pc's static flags.
+# package.shadowing_application builds tests/shadowing_application the same way.
 # The README's embedding example is compiled with the tree, so the README cannot drift from the API.
 
 set(orx_examples decisions action_broker pixmor_transport)
@@ -29,6 +30,23 @@ else()
               -P ${orx_example_script})
     set_tests_properties(examples.${example} PROPERTIES FIXTURES_REQUIRED orx_installed_package TIMEOUT 600)
   endforeach()
+  # An application whose own names and header folders could meet ours, linking only the decisions
+  # runtime; then what that program links: no application-contract dependency, no wasm2c symbol of ours
+  # under its stock name.
+  add_test(NAME package.shadowing_application
+    COMMAND ${CMAKE_COMMAND} -DSTEP=example -DNAME=shadowing -DSOURCE=${PROJECT_SOURCE_DIR}/tests/shadowing_application
+            -DWORK=${orx_examples_work} "-DGENERATOR=${CMAKE_GENERATOR}" -DMAKE_PROGRAM=${CMAKE_MAKE_PROGRAM}
+            -DCXX_COMPILER=${CMAKE_CXX_COMPILER} "-DCXX_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER}"
+            -P ${orx_example_script})
+  set_tests_properties(package.shadowing_application PROPERTIES FIXTURES_REQUIRED orx_installed_package
+    FIXTURES_SETUP orx_decisions_only_program TIMEOUT 600)
+  set(orx_decisions_only ${orx_examples_work}/prefix/bin/orx_example_shadowing)
+  add_test(NAME package.decisions_only_links_the_core_alone
+    COMMAND sh -c "ldd '${orx_decisions_only}' && nm -C '${orx_decisions_only}' | grep -E ' [TDB] (wasm_rt_|nlohmann::|fmt::)' | grep -v ' T wasm_rt_trap$'; true")
+  set_tests_properties(package.decisions_only_links_the_core_alone PROPERTIES
+    FIXTURES_REQUIRED orx_decisions_only_program
+    PASS_REGULAR_EXPRESSION "libc\\.so"
+    FAIL_REGULAR_EXPRESSION "libicu|libuuid|libfmt|libnlohmann| [TDB] (wasm_rt_|nlohmann::|fmt::)")
   add_test(NAME examples.pkg_config
     COMMAND ${CMAKE_COMMAND} -DSTEP=pkg-config -DNAME=decisions -DSOURCE=${PROJECT_SOURCE_DIR}/examples/decisions
             -DWORK=${orx_examples_work} -DLIBDIR=${CMAKE_INSTALL_LIBDIR} -DCXX_COMPILER=${CMAKE_CXX_COMPILER}
@@ -45,9 +63,5 @@ endif()
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/generated/ReadmeEmbeddingExample.cpp CONTENT "${CMAKE_MATCH_1}" @ONLY)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/README.md)
 add_executable(readme_embedding_example ${PROJECT_BINARY_DIR}/generated/ReadmeEmbeddingExample.cpp)
-target_link_libraries(readme_embedding_example PRIVATE RavoORX)
-# Its headers are included as an installed application includes them, <ravo-orx/...>.
-target_include_directories(readme_embedding_example PRIVATE ${PROJECT_BINARY_DIR}/generated/include)
-file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/generated/include)
-file(CREATE_LINK ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/generated/include/ravo-orx SYMBOLIC)
+target_link_libraries(readme_embedding_example PRIVATE OrxRuntime)
 add_test(NAME readme_embedding_example COMMAND readme_embedding_example WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})

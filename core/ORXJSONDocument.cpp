@@ -30,7 +30,7 @@ class TreeSink {
       if (parent.kind == ORXJSONDocument::Kind::array) {
         node = &parent.items.emplace_back();
       } else {
-        node = &parent.members.emplace_back(std::move(key_), ORXJSONDocument{}).second;
+        node = &parent.members.emplace_back(ORXJSONDocument::Member{std::move(key_), {}}).value;
       }
     }
     node->kind = kind;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <iterator>
 #include <functional>
 
 #include <nlohmann/json.hpp>
@@ -120,6 +121,33 @@ TEST(OrxArtifactProvenance, TamperedCopiesAreRefusedWithTheRuntimesTexts) {
       {"non-string value",
        [](auto& copy) { copy.editEvidence([](Json& e) { e["profile"] = 11; }); },
        "evidence.profile: expected a string, found an integer", kNoModules},
+      {"fractional number where a string belongs",
+       [](auto& copy) { copy.editEvidence([](Json& e) { e["profile"] = 1.5; }); },
+       "evidence.profile: expected a string, found a number", kNoModules},
+      {"module list that is an object",
+       [](auto& copy) { copy.editEvidence([](Json& e) { e["modules"] = Json{{"module", "player_authz"}}; }); },
+       "evidence.modules: expected an array, found an object", kNoModules},
+      {"module record that is a string",
+       [](auto& copy) { copy.editEvidence([](Json& e) { e["modules"][1] = "sync_correction"; }); },
+       "evidence.modules[1]: expected an object, found a string", kNoModules},
+      {"listed key written twice",
+       [](auto& copy) {
+         std::ifstream in(copy.path() / "evidence.json");
+         std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+         text.insert(text.find('{') + 1, "\"profile\": \"mock-output-v011\",");
+         std::ofstream(copy.path() / "evidence.json") << text;
+       },
+       "evidence.profile: duplicate key", kNoModules},
+      {"unknown keys of every JSON type are ignored",
+       [](auto& copy) {
+         copy.editEvidence([](Json& e) {
+           e["note"] = nullptr;
+           e["weight"] = -1.25e3;
+           e["nested"] = Json{{"list", Json::array({1, -2.5, true, nullptr, Json::object()})}};
+           e["modules"][0]["reviewedAt"] = 1700000000123;
+         });
+       },
+       "", "ORX active \u00B7 c3ea776c / 7155bd93 / 92624572"},
       {"missing key in a module record",
        [](auto& copy) { copy.editEvidence([](Json& e) { e["modules"][2].erase("wasmSha256"); }); },
        "evidence.modules[2].wasmSha256: missing key", kNoModules},

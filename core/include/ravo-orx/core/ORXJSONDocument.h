@@ -9,7 +9,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include <ravo-orx/core/ORXError.h>
@@ -18,12 +17,13 @@ namespace ravo::orx::internal {
 
 struct ORXJSONDocument {
   enum class Kind { null, boolean, number, string, array, object };
+  struct Member;
 
   Kind kind = Kind::null;
   bool boolean = false;
   std::string text;  // a string's decoded bytes, or a number as written
   std::vector<ORXJSONDocument> items;
-  std::vector<std::pair<std::string, ORXJSONDocument>> members;
+  std::vector<Member> members;
 
   // Throws ORXError::parse at the first byte that is not JSON.
   static ORXJSONDocument read(std::string_view json);
@@ -33,6 +33,11 @@ struct ORXJSONDocument {
 
   // "null", "a boolean", "an integer", "a number", "a string", "an array" or "an object", for messages.
   std::string_view describe() const;
+};
+
+struct ORXJSONDocument::Member {
+  std::string key;
+  ORXJSONDocument value;
 };
 
 }  // namespace ravo::orx::internal

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <type_traits>
 
 namespace ravo::orx {
 
@@ -54,14 +55,18 @@ enum class OrxDecisionSource : std::uint8_t { policy, moduleUnavailable, trap, i
 // "policy", "moduleUnavailable", "trap" or "invalidOutput".
 std::string_view orxCaseName(OrxDecisionSource value);
 
+// The enumerations exchanged with policy modules: signed 32-bit raw values.
 template <class E>
+concept OrxModuleEnumeration = std::is_enum_v<E> && std::is_same_v<std::underlying_type_t<E>, std::int32_t>;
+
+template <OrxModuleEnumeration E>
 constexpr std::int32_t rawValue(E value) {
   return static_cast<std::int32_t>(value);
 }
 
 // Raw value to case; an unknown raw value yields nothing. Inline because every decision converts its
 // answer: returned out of line, the optional goes through memory and the caller waits on it.
-template <class E>
+template <OrxModuleEnumeration E>
 constexpr std::optional<E> orxCaseInRange(std::int32_t raw, E last) {
   if (raw < 0 || raw > rawValue(last)) return std::nullopt;
   return static_cast<E>(raw);
