@@ -42,12 +42,4 @@ OrxInvocation LoadedModule::failedInvocation(const char* error) {
   return failed;
 }
 
-std::string_view orxCaseName(OrxExecutionTier value) {
-  switch (value) {
-    case OrxExecutionTier::interpreted: return "interpreted";
-    case OrxExecutionTier::precompiled: return "precompiled";
-  }
-  return {};
-}
-
 }  // namespace ravo::orx::internal

@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "2fe22e4d5b68dda301432bfbf39b7543e983c5f257e9eda82760f50e59531919";
+  static const std::string value = "dd4a815fedb7ac8115cf14bc5160152ef64d3c528e0f4b9917072ad50152b6aa";
   return value;
 }
 

@@ -2,27 +2,30 @@
 
 #include <string_view>
 
+#include <ravo-orx/runtime/OrxDecisionKinds.h>
 #include <ravo-orx/runtime/OrxLog.h>
 
 namespace ravo::orx::internal {
 
 namespace {
 
-constexpr std::int32_t kAuthorizationTag = 5201;
-constexpr std::int32_t kSyncTag = 5301;
-constexpr std::int32_t kCinemaTag = 5401;
 constexpr std::int32_t kMaxPolicyVersion = 10'000;
 constexpr std::int32_t kOneDayMilliseconds = 86'400'000;
 
-// An emitted record has exactly five values: tag, the decide result, then three fields.
-const std::vector<std::int32_t>* taggedRecord(const OrxInvocation& call, std::int32_t tag, std::int32_t result) {
+constexpr const OrxDecisionKind& kAuthorization = orxDecisionKind(OrxDecisionKindID::authorization);
+constexpr const OrxDecisionKind& kSync = orxDecisionKind(OrxDecisionKindID::sync);
+constexpr const OrxDecisionKind& kCinema = orxDecisionKind(OrxDecisionKindID::cinemaAdmission);
+
+// An emitted record has exactly five values: the kind's tag, the decide result, then three fields.
+const std::vector<std::int32_t>* taggedRecord(const OrxInvocation& call, const OrxDecisionKind& kind,
+                                              std::int32_t result) {
   const auto* emitted = call.emitted;
-  if (!emitted || emitted->size() != 5 || (*emitted)[0] != tag || (*emitted)[1] != result) return nullptr;
+  if (!emitted || emitted->size() != 5 || (*emitted)[0] != kind.emitTag || (*emitted)[1] != result) return nullptr;
   return emitted;
 }
 
-void logTrap(std::string_view prefix, const OrxInvocation& call) {
-  std::string message(prefix);
+void logTrap(const OrxDecisionKind& kind, const OrxInvocation& call) {
+  std::string message(kind.trapLog);
   message += *call.error;
   orxLog(OrxLogLevel::error, message);
 }
@@ -60,20 +63,20 @@ std::string OrxPolicyDecider::statusDescription() const {
   if (authorization && sync && cinema) {
     return "ORX active \u00B7 " + digestPrefix(authorization) + " / " + digestPrefix(sync) + " / " + digestPrefix(cinema);
   }
-  auto part = [](const char* label, const std::unique_ptr<LoadedModule>& module) {
+  auto part = [](std::string_view label, const std::unique_ptr<LoadedModule>& module) {
     return std::string(label) + (module ? " " + digestPrefix(module) : std::string(" unavailable"));
   };
-  return "ORX partial \u00B7 " + part("authz", authorization) + " / " + part("sync", sync) + " / " +
-         part("cinema", cinema);
+  return "ORX partial \u00B7 " + part(kAuthorization.name, authorization) + " / " + part(kSync.name, sync) + " / " +
+         part(kCinema.name, cinema);
 }
 
 std::string OrxPolicyDecider::executionTiers() const {
   std::lock_guard guard(lock_);
-  auto tier = [](const char* label, const std::unique_ptr<LoadedModule>& module) {
+  auto tier = [](std::string_view label, const std::unique_ptr<LoadedModule>& module) {
     return std::string(label) + " " + std::string(module ? orxCaseName(module->tier()) : "unavailable");
   };
-  return tier("authz", modules_.authorization) + " / " + tier("sync", modules_.sync) + " / " +
-         tier("cinema", modules_.cinemaAdmission);
+  return tier(kAuthorization.name, modules_.authorization) + " / " + tier(kSync.name, modules_.sync) + " / " +
+         tier(kCinema.name, modules_.cinemaAdmission);
 }
 
 template <class Decision>
@@ -89,12 +92,12 @@ OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyDecider::authorizeWithSour
   }
   const auto arguments = facts.arguments();
   const OrxInvocation call = modules_.authorization->invoke(arguments);
-  const std::int32_t result = call.result.value_or(0);
+  const std::int32_t result = call.result.value_or(kAuthorization.resultWhenNone);
   if (call.error) {
-    logTrap("ORX authorization trapped; denying command: ", call);
+    logTrap(kAuthorization, call);
     return fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::trap);
   }
-  const auto* record = taggedRecord(call, kAuthorizationTag, result);
+  const auto* record = taggedRecord(call, kAuthorization, result);
   if (!record || (result != 0 && result != 1) || (*record)[2] != facts.command) {
     return fail(OrxAuthorizationDecision::invalid(), OrxDecisionSource::invalidOutput);
   }
@@ -111,13 +114,13 @@ OrxSourcedDecision<OrxSyncDecision> OrxPolicyDecider::correctSyncWithSource(cons
   if (!modules_.sync) return fail(OrxSyncDecision::hold(), OrxDecisionSource::moduleUnavailable);
   const auto arguments = facts.arguments();
   const OrxInvocation call = modules_.sync->invoke(arguments);
-  const std::int32_t result = call.result.value_or(0);
+  const std::int32_t result = call.result.value_or(kSync.resultWhenNone);
   if (call.error) {
-    logTrap("ORX sync correction trapped; holding: ", call);
+    logTrap(kSync, call);
     return fail(OrxSyncDecision::hold(), OrxDecisionSource::trap);
   }
   const auto action = orxSyncAction(result);
-  const auto* record = taggedRecord(call, kSyncTag, result);
+  const auto* record = taggedRecord(call, kSync, result);
   if (!action || !record || !isValidHostSyncOutput(*action, (*record)[2], (*record)[3], (*record)[4])) {
     return fail(OrxSyncDecision::hold(), OrxDecisionSource::invalidOutput);
   }
@@ -132,13 +135,13 @@ OrxSourcedDecision<OrxCinemaAdmissionDecision> OrxPolicyDecider::decideCinemaAdm
   }
   const auto arguments = facts.arguments();
   const OrxInvocation call = modules_.cinemaAdmission->invoke(arguments);
-  const std::int32_t result = call.result.value_or(-1);
+  const std::int32_t result = call.result.value_or(kCinema.resultWhenNone);
   if (call.error) {
-    logTrap("ORX Cinema admission trapped; retaining MetalFX: ", call);
+    logTrap(kCinema, call);
     return fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::trap);
   }
   const auto route = orxCinemaAdmissionRoute(result);
-  const auto* record = taggedRecord(call, kCinemaTag, result);
+  const auto* record = taggedRecord(call, kCinema, result);
   const auto reason = record ? orxCinemaAdmissionReason((*record)[4]) : std::nullopt;
   if (!route || !reason || !isValidCinemaAdmissionOutput(*route, (*record)[2], (*record)[3], *reason)) {
     return fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::invalidOutput);

@@ -8,6 +8,7 @@
 
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
 #include <ravo-orx/runtime/OrxEvidence.h>
+#include <ravo-orx/runtime/OrxDecisionKinds.h>
 #include <ravo-orx/runtime/OrxLog.h>
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
 #include <ravo-orx/runtime/RuntimeError.h>
@@ -60,9 +61,10 @@ Loaded load(const std::optional<std::filesystem::path>& artifactsDirectory) {
   }
 
   std::vector<std::string> errors;
-  loaded.modules.authorization = loadIsolated("player_authz", directory, evidence, errors);
-  loaded.modules.sync = loadIsolated("sync_correction", directory, evidence, errors);
-  loaded.modules.cinemaAdmission = loadIsolated("cinema_admission", directory, evidence, errors);
+  auto module = [&](OrxDecisionKindID id) { return loadIsolated(orxDecisionKind(id).module, directory, evidence, errors); };
+  loaded.modules.authorization = module(OrxDecisionKindID::authorization);
+  loaded.modules.sync = module(OrxDecisionKindID::sync);
+  loaded.modules.cinemaAdmission = module(OrxDecisionKindID::cinemaAdmission);
   if (errors.empty()) {
     orxLog(OrxLogLevel::standard, "Loaded digest-bound ORX authorization, sync and cinema admission modules");
     return loaded;

@@ -17,7 +17,7 @@ double ravoEncodableActionNumber(double value) {
 RavoJSON RavoActionValue::toJSON() const {
   RavoJSONObjectWriter writer;
   writer.add("kind", kind());
-  std::string key(ravoLabelText(kind()));
+  std::string key(orxRawValue(kind()));
   std::visit(
       [&](const auto& value) {
         if constexpr (std::is_same_v<std::decay_t<decltype(value)>, double>) {

@@ -24,7 +24,7 @@ RavoApplicationActionDescriptor::RavoApplicationActionDescriptor(Fields fields) 
   std::sort(fields_.requestedCapabilities.begin(), fields_.requestedCapabilities.end());
   std::sort(fields_.effectTypes.begin(), fields_.effectTypes.end());
   sortUnique(fields_.entryPoints, [](RavoActionEntryPoint a, RavoActionEntryPoint b) {
-    return ravoLabelText(a) < ravoLabelText(b);
+    return orxRawValue(a) < orxRawValue(b);
   });
 }
 

@@ -18,7 +18,7 @@ std::optional<std::string> normalizedRoomName(const std::optional<std::string>& 
 }
 
 std::vector<RavoHomeInventoryCapability> normalizedCapabilities(std::vector<RavoHomeInventoryCapability> capabilities) {
-  std::ranges::sort(capabilities, {}, [](auto capability) { return ravoLabelText(capability); });
+  std::ranges::sort(capabilities, {}, [](auto capability) { return orxRawValue(capability); });
   capabilities.erase(std::unique(capabilities.begin(), capabilities.end()), capabilities.end());
   return capabilities;
 }

@@ -8,7 +8,7 @@ using State = RavoModelProviderState;
 
 RavoModelProviderLifecycleError RavoModelProviderLifecycleError::invalidTransition(State from, State to) {
   return {Code::invalidTransition,
-          "model provider cannot move from " + std::string(ravoLabelText(from)) + " to " + std::string(ravoLabelText(to)),
+          "model provider cannot move from " + std::string(orxRawValue(from)) + " to " + std::string(orxRawValue(to)),
           from, to};
 }
 

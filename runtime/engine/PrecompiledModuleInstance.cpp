@@ -29,11 +29,11 @@ namespace ravo::orx::internal {
 namespace {
 
 using PrecompiledAuthorization = PrecompiledModule<Z_player_authz_instance_t, Z_player_authz_instantiate,
-                                                   Z_player_authz_free, Z_player_authzZ_decide, 8>;
+                                                   Z_player_authz_free, Z_player_authzZ_decide>;
 using PrecompiledSync = PrecompiledModule<Z_sync_correction_instance_t, Z_sync_correction_instantiate,
-                                          Z_sync_correction_free, Z_sync_correctionZ_decide, 8>;
+                                          Z_sync_correction_free, Z_sync_correctionZ_decide>;
 using PrecompiledCinema = PrecompiledModule<Z_cinema_admission_instance_t, Z_cinema_admission_instantiate,
-                                            Z_cinema_admission_free, Z_cinema_admissionZ_decide, 13>;
+                                            Z_cinema_admission_free, Z_cinema_admissionZ_decide>;
 
 }  // namespace
 

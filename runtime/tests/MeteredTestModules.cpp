@@ -23,15 +23,15 @@ PrecompiledTestModule bind() {
 }
 
 using Loop = PrecompiledModule<Z_metered_loop_instance_t, Z_metered_loop_instantiate, Z_metered_loop_free,
-                               Z_metered_loopZ_decide, 8,
+                               Z_metered_loopZ_decide,
                                Metered<Z_metered_loopZ_orxZ3Afuel, Z_metered_loopZ_orxZ3Astack>>;
 using Recursion =
     PrecompiledModule<Z_metered_recursion_instance_t, Z_metered_recursion_instantiate, Z_metered_recursion_free,
-                      Z_metered_recursionZ_decide, 8,
+                      Z_metered_recursionZ_decide,
                       Metered<Z_metered_recursionZ_orxZ3Afuel, Z_metered_recursionZ_orxZ3Astack,
                               Z_metered_recursionZ_orxZ3Astart>>;
 using Bulk = PrecompiledModule<Z_metered_bulk_instance_t, Z_metered_bulk_instantiate, Z_metered_bulk_free,
-                               Z_metered_bulkZ_decide, 8,
+                               Z_metered_bulkZ_decide,
                                Metered<Z_metered_bulkZ_orxZ3Afuel, Z_metered_bulkZ_orxZ3Astack>>;
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace {
 int runDecide(OrxCliArguments& arguments) {
   const std::optional<std::filesystem::path> artifacts = arguments.option("--artifacts");
   const std::optional<std::string> factsFile = arguments.option("--facts");
-  const OrxPolicyKind& kind = orxCliPolicyKind(arguments);
+  const OrxDecisionKind& kind = orxCliPolicyKind(arguments);
   const auto facts = orxCliFacts(arguments, kind, factsFile);
   OrxPolicyRuntime runtime(artifacts);
   if (runtime.loadError()) {

@@ -12,7 +12,7 @@ namespace {
 constexpr std::int64_t kMinimum = std::numeric_limits<std::int32_t>::min();
 constexpr std::int64_t kMaximum = std::numeric_limits<std::int32_t>::max();
 
-std::vector<std::int32_t> factsFromWords(OrxCliArguments& arguments, const OrxPolicyKind& kind) {
+std::vector<std::int32_t> factsFromWords(OrxCliArguments& arguments, const OrxDecisionKind& kind) {
   std::vector<std::int32_t> facts;
   while (const auto word = arguments.nextIfAny()) {
     const std::string what = "fact " + std::to_string(facts.size() + 1);
@@ -26,7 +26,7 @@ std::vector<std::int32_t> factsFromWords(OrxCliArguments& arguments, const OrxPo
   return facts;
 }
 
-std::vector<std::int32_t> factsFromJSON(const RavoJSON& document, const OrxPolicyKind& kind) {
+std::vector<std::int32_t> factsFromJSON(const RavoJSON& document, const OrxDecisionKind& kind) {
   if (!document.is_object()) throw std::runtime_error("facts: expected a JSON object keyed by the fact names");
   for (const auto& [name, value] : document.items()) {
     if (std::find(kind.factNames.begin(), kind.factNames.end(), name) == kind.factNames.end()) {
@@ -48,13 +48,13 @@ std::vector<std::int32_t> factsFromJSON(const RavoJSON& document, const OrxPolic
 
 }  // namespace
 
-const OrxPolicyKind& orxCliPolicyKind(OrxCliArguments& arguments) {
+const OrxDecisionKind& orxCliPolicyKind(OrxCliArguments& arguments) {
   const std::string name = arguments.next("authz, sync or cinema");
-  if (const auto* kind = orxPolicyKindNamed(name)) return *kind;
+  if (const auto* kind = orxDecisionKindNamed(name)) return *kind;
   throw OrxCliUsageError("unknown decision \"" + name + "\"; expected authz, sync or cinema");
 }
 
-std::vector<std::int32_t> orxCliFacts(OrxCliArguments& arguments, const OrxPolicyKind& kind,
+std::vector<std::int32_t> orxCliFacts(OrxCliArguments& arguments, const OrxDecisionKind& kind,
                                       const std::optional<std::string>& factsFile) {
   if (!factsFile) return factsFromWords(arguments, kind);
   arguments.finish();

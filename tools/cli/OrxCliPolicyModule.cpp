@@ -41,7 +41,7 @@ std::string OrxCliPolicyModule::executionBound() const {
 OrxCliPolicyDecision orxCliPolicyDecision(OrxCliArguments& arguments, const std::optional<std::string>& factsFile) {
   const std::string file = arguments.next("MODULE");
   if (file == "-" && factsFile == "-") throw OrxCliUsageError("MODULE and --facts cannot both be standard input");
-  const OrxPolicyKind& kind = orxCliPolicyKind(arguments);
+  const OrxDecisionKind& kind = orxCliPolicyKind(arguments);
   auto facts = orxCliFacts(arguments, kind, factsFile);
   return {OrxCliPolicyModule::read(file), kind, std::move(facts)};
 }

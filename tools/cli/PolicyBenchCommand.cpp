@@ -33,15 +33,15 @@ double medianCost(Decide decide, const Facts& facts, Timing timing) {
   return costs[costs.size() / 2];
 }
 
-double medianCost(const OrxPolicyKind& kind, OrxPolicyDecider& decider, std::span<const std::int32_t> facts,
+double medianCost(const OrxDecisionKind& kind, OrxPolicyDecider& decider, std::span<const std::int32_t> facts,
                   Timing timing) {
-  switch (kind.decision) {
-    case OrxPolicyDecision::authorization:
+  switch (kind.id) {
+    case OrxDecisionKindID::authorization:
       return medianCost([&](const auto& f) { return decider.authorize(f); },
                         orxFactsFrom<AuthorizationFacts>(facts), timing);
-    case OrxPolicyDecision::sync:
+    case OrxDecisionKindID::sync:
       return medianCost([&](const auto& f) { return decider.correctSync(f); }, orxFactsFrom<SyncFacts>(facts), timing);
-    case OrxPolicyDecision::cinemaAdmission:
+    case OrxDecisionKindID::cinemaAdmission:
       break;
   }
   return medianCost([&](const auto& f) { return decider.decideCinemaAdmission(f); },

@@ -32,7 +32,7 @@ std::optional<std::string> contractProblem(const OrxModuleInterface& interface,
     return std::find(interface.exports.begin(), interface.exports.end(), signature) != interface.exports.end();
   };
   if (manifest) {
-    if (!orxPolicyKindOfModule(manifest->module)) return "the manifest names no module of this runtime";
+    if (!orxDecisionKindOfModule(manifest->module)) return "the manifest names no module of this runtime";
     if (interface.imports != manifest->imports) return "imports differ from the manifest's " + joined(manifest->imports);
     if (!exports(manifest->decide)) return "no export " + manifest->decide;
     return std::nullopt;

@@ -48,7 +48,7 @@ std::vector<std::uint8_t> moduleBytes(const fs::path& directory, const std::stri
 }
 
 // The reasons no passing case answered with: what the cases leave untested.
-std::string coverage(const OrxPolicyKind& kind, const std::vector<OrxPolicyCaseResult>& results) {
+std::string coverage(const OrxDecisionKind& kind, const std::vector<OrxPolicyCaseResult>& results) {
   std::set<std::int32_t> produced;
   for (const auto& result : results) {
     if (result.problem.empty() && result.reason) produced.insert(*result.reason);
@@ -63,7 +63,7 @@ std::string coverage(const OrxPolicyKind& kind, const std::vector<OrxPolicyCaseR
 void testModule(const fs::path& manifestFile, bool verbose, bool reportCoverage,
                 std::optional<OrxWatAssembler>& assembler, Tally& tally) {
   const auto manifest = OrxPolicyManifest::decode(readArtifactFile(manifestFile), manifestFile.string());
-  const OrxPolicyKind* kind = orxPolicyKindOfModule(manifest.module);
+  const OrxDecisionKind* kind = orxDecisionKindOfModule(manifest.module);
   const std::string module = manifest.module;
   std::vector<OrxPolicyCaseResult> results;
   try {

@@ -9,6 +9,7 @@
 #include <ravo-orx/core/ORXSHA256.h>
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
 #include <ravo-orx/package_check/OrxPackageCheck.h>
+#include <ravo-orx/runtime/OrxDecisionKinds.h>
 #include <ravo-orx/runtime/OrxEvidence.h>
 
 namespace ravo::orx {
@@ -20,7 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kModules[] = {"player_authz", "sync_correction", "cinema_admission"};
 
 std::string text(const std::vector<std::uint8_t>& bytes) { return {bytes.begin(), bytes.end()}; }
 
@@ -37,7 +37,8 @@ OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, const Orx
   OrxArtifactBuild build;
   std::vector<OrxBuiltFile> files;
   Json records = Json::array();
-  for (const std::string module : kModules) {
+  for (const auto& kind : kOrxDecisionKinds) {
+    const std::string module(kind.module);
     try {
       const auto source = readArtifactFile(paths.policies / (module + ".wat"));
       const auto manifest = readArtifactFile(paths.policies / (module + ".manifest.json"));

@@ -35,7 +35,7 @@ Json checkContract(const OrxPolicyManifest& manifest, std::span<const std::uint8
 Json runCases(const OrxPolicyManifest& manifest, std::span<const std::uint8_t> wasm,
               std::vector<std::string>& failures) {
   Json cases = Json::array();
-  const OrxPolicyKind* kind = orxPolicyKindOfModule(manifest.module);
+  const OrxDecisionKind* kind = orxDecisionKindOfModule(manifest.module);
   if (!kind) return cases;  // the manifest's module name is already a failure
   try {
     for (const auto& result : runPolicyCases(wasm, manifest, *kind)) {

@@ -33,7 +33,7 @@ struct Observed {
 };
 
 std::string caseProblem(const Observed& call, const OrxPolicyAnswer& answer, const OrxPolicyCase& policyCase,
-                        const OrxPolicyKind& kind) {
+                        const OrxDecisionKind& kind) {
   const std::string expected = "expected " + formatList<std::int32_t>(policyCase.emits);
   if (call.error) return expected + ", trapped: " + *call.error;
   if (!call.emitted) return expected + ", emitted nothing";
@@ -51,7 +51,7 @@ std::string caseProblem(const Observed& call, const OrxPolicyAnswer& answer, con
 }  // namespace
 
 std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest,
-                                                const OrxPolicyKind& kind) {
+                                                const OrxDecisionKind& kind) {
   // The cases' facts are read as this kind's arguments, so a manifest must name exactly those facts.
   if (!std::equal(manifest.facts.begin(), manifest.facts.end(), kind.factNames.begin(), kind.factNames.end())) {
     throw std::runtime_error("manifest facts differ from the runtime's " + std::string(kind.module) +

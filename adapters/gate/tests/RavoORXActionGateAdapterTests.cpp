@@ -88,7 +88,7 @@ TEST(RavoORXActionGateAdapter, ProposalTakesItsSourceFromTheOriginAndItsTargetFr
     EXPECT_EQ(*mapped, RavoORXActionProposal(RavoORXCapability::mediaTransport, RavoORXEffect::transport,
                                              RavoORXResource::playback, c.source, 10, "ravo.playback.transport",
                                              c.targetIdentifier))
-        << ravoLabelText(c.origin);
+        << orxRawValue(c.origin);
   }
   auto withTarget = RavoORXActionGateAdapter::actionProposal(pauseDescriptor(), proposal(Origin::userInterface));
   auto withoutTarget =

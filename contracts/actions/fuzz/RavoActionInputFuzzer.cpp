@@ -57,7 +57,7 @@ void decodeRecords(std::string_view text) {
 }
 
 void parseText(std::string_view text) {
-  for (const auto& [kind, _] : RavoLabelTable<RavoActionValueKind>::entries) {
+  for (const auto& [kind, _] : ORXRawValueTable<RavoActionValueKind>::entries) {
     auto schema = RavoActionParameterSchema({.key = "k", .kind = kind, .minimum = 0.0, .maximum = 1.0});
     if (auto value = schema.parse(text)) schema.validate(*value);
   }

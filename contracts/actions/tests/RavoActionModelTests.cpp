@@ -112,7 +112,7 @@ TEST(RavoActionParameterSchema, ParsesTrimmedTextByKind) {
   };
   for (const auto& c : cases) {
     auto schema = RavoActionParameterSchema({.key = "k", .kind = c.kind});
-    EXPECT_EQ(schema.parse(c.text), c.parsed) << ravoLabelText(c.kind) << " \"" << c.text << "\"";
+    EXPECT_EQ(schema.parse(c.text), c.parsed) << orxRawValue(c.kind) << " \"" << c.text << "\"";
   }
 }
 

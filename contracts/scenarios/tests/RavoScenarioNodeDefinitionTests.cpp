@@ -82,7 +82,7 @@ TEST(RavoScenarioNodeDefinition, DecodingRefusesMissingMistypedAndUnknownValues)
 
 template <class E>
 void expectLabelsRoundTrip() {
-  for (const auto& [label, text] : RavoLabelTable<E>::entries) {
+  for (const auto& [label, text] : ORXRawValueTable<E>::entries) {
     EXPECT_EQ(RavoJSONCodec<E>::decode(RavoJSONCodec<E>::encode(label), "label"), label) << text;
   }
   EXPECT_THROW(RavoJSONCodec<E>::decode("unknown", "label"), RavoJSONDecodingError);

@@ -11,7 +11,7 @@ using namespace std::chrono;
 template <class E>
 std::vector<std::string_view> labelTexts() {
   std::vector<std::string_view> texts;
-  for (const auto& [label, text] : RavoLabelTable<E>::entries) {
+  for (const auto& [label, text] : ORXRawValueTable<E>::entries) {
     EXPECT_EQ(RavoJSONCodec<E>::decode(RavoJSONCodec<E>::encode(label), "label"), label) << text;
     texts.push_back(text);
   }

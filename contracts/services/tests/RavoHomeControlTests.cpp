@@ -121,7 +121,7 @@ TEST(RavoHomeCommandProposalValidator, ReportsEveryIssueInCheckingOrder) {
     const RavoHomeCommandProposal proposal(RavoUUID::random(), RavoHomeProviderID::appleHome(), c.deviceID, c.kind,
                                            c.power, c.scalar, c.confirmed);
     EXPECT_EQ(RavoHomeCommandProposalValidator::validate(proposal, home), c.expected)
-        << c.deviceID << " " << ravoLabelText(c.kind) << " " << c.scalar.value_or(-99);
+        << c.deviceID << " " << orxRawValue(c.kind) << " " << c.scalar.value_or(-99);
   }
   const RavoHomeCommandProposal elsewhere(RavoUUID::random(), RavoHomeProviderID::tuyaCloud(), "nowhere", Kind::power,
                                           std::nullopt, nan, false);

@@ -68,7 +68,7 @@ TEST(RavoModelProviderRecord, TransitionsFollowTheLifecycle) {
     RavoModelProviderRecord record(c.descriptor, State::discovered, false);
     for (const auto& step : c.steps) {
       EXPECT_EQ(errorFrom<Error>([&] { record = record.transition(step.to, step.confirmation); }), step.expected)
-          << c.name << ": to " << ravoLabelText(step.to);
+          << c.name << ": to " << orxRawValue(step.to);
     }
     EXPECT_EQ(record, RavoModelProviderRecord(c.descriptor, c.finalState, c.finalConfirmation)) << c.name;
   }

@@ -56,7 +56,7 @@ enum class Color { red, green };
 }  // namespace
 
 template <>
-struct RavoLabelTable<Color> {
+struct ORXRawValueTable<Color> {
   static constexpr std::array<std::pair<Color, std::string_view>, 2> entries{
       {{Color::red, "red"}, {Color::green, "green"}}};
 };

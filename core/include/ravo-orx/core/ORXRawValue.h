@@ -1,6 +1,9 @@
 #pragma once
-// Closed sets whose members carry a text raw value (their canonical form). A set declares its texts
-// once, by specialising ORXRawValueTable<E> with
+// The one mechanism that gives a closed set's members their texts, for every enumeration of the system:
+// the sets exchanged as JSON (host-contract enums, application labels), whose text is their raw value,
+// and the enumerations exchanged with policy modules, whose text is their case name (their raw values
+// are their signed 32-bit values). A set declares its texts once, by specialising ORXRawValueTable<E>
+// with
 //   static constexpr std::array<std::pair<E, std::string_view>, N> entries;
 // and gains orxRawValue(e) and orxFromRawValue<E>(text), which accepts exactly the declared texts.
 

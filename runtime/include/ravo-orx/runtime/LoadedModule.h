@@ -1,13 +1,16 @@
 #pragma once
 // The module host: one instantiated policy module, with the digest of the bytes it was made from.
 
+#include <array>
 #include <cstdint>
 #include <exception>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include <ravo-orx/core/ORXRawValue.h>
 #include <ravo-orx/engine/OrxModuleInstance.h>
 
 namespace ravo::orx::internal {
@@ -16,8 +19,16 @@ namespace ravo::orx::internal {
 // these bytes.
 enum class OrxExecutionTier { interpreted, precompiled };
 
-// "interpreted" or "precompiled".
-std::string_view orxCaseName(OrxExecutionTier value);
+}  // namespace ravo::orx::internal
+
+template <>
+struct ravo::orx::ORXRawValueTable<ravo::orx::internal::OrxExecutionTier> {
+  using T = internal::OrxExecutionTier;
+  static constexpr std::array entries{std::pair{T::interpreted, std::string_view("interpreted")},
+                                      std::pair{T::precompiled, std::string_view("precompiled")}};
+};
+
+namespace ravo::orx::internal {
 
 class LoadedModule {
  public:

@@ -2,10 +2,14 @@
 // The three decisions, their enumerations (signed 32-bit raw values shared with the policy modules)
 // and the fail-safe decisions taken whenever a module cannot be trusted to answer.
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string_view>
 #include <type_traits>
+#include <utility>
+
+#include <ravo-orx/core/ORXRawValue.h>
 
 namespace ravo::orx {
 
@@ -42,18 +46,79 @@ enum class OrxCinemaAdmissionReason : std::int32_t {
   invalidFacts = 6,
 };
 
-// The case's name as written in the enumeration ("tokenExpired", "nudge"), for reports and tools.
-std::string_view orxCaseName(OrxAuthorizationReason value);
-std::string_view orxCaseName(OrxSyncAction value);
-std::string_view orxCaseName(OrxCinemaAdmissionRoute value);
-std::string_view orxCaseName(OrxCinemaAdmissionReason value);
-
 // Where a decision came from: the module's validated answer, or the fail-safe decision taken because
 // the module was not loaded, trapped, or emitted an answer that failed validation.
 enum class OrxDecisionSource : std::uint8_t { policy, moduleUnavailable, trap, invalidOutput };
 
-// "policy", "moduleUnavailable", "trap" or "invalidOutput".
-std::string_view orxCaseName(OrxDecisionSource value);
+template <>
+struct ORXRawValueTable<OrxAuthorizationReason> {
+  using R = OrxAuthorizationReason;
+  static constexpr std::array entries{
+      std::pair{R::allowed, std::string_view("allowed")},
+      std::pair{R::unpaired, std::string_view("unpaired")},
+      std::pair{R::tokenExpired, std::string_view("tokenExpired")},
+      std::pair{R::rateLimited, std::string_view("rateLimited")},
+      std::pair{R::missingGrant, std::string_view("missingGrant")},
+      std::pair{R::notController, std::string_view("notController")},
+      std::pair{R::unknownCommand, std::string_view("unknownCommand")},
+      std::pair{R::needsAdmin, std::string_view("needsAdmin")},
+      std::pair{R::runtimeUnavailable, std::string_view("runtimeUnavailable")},
+      std::pair{R::invalidResult, std::string_view("invalidResult")},
+  };
+};
+
+template <>
+struct ORXRawValueTable<OrxSyncAction> {
+  static constexpr std::array entries{
+      std::pair{OrxSyncAction::hold, std::string_view("hold")},
+      std::pair{OrxSyncAction::nudge, std::string_view("nudge")},
+      std::pair{OrxSyncAction::seek, std::string_view("seek")},
+  };
+};
+
+template <>
+struct ORXRawValueTable<OrxCinemaAdmissionRoute> {
+  using R = OrxCinemaAdmissionRoute;
+  static constexpr std::array entries{
+      std::pair{R::metalFXOnly, std::string_view("metalFXOnly")},
+      std::pair{R::fullFrameML, std::string_view("fullFrameML")},
+      std::pair{R::sparseAnchorResearch, std::string_view("sparseAnchorResearch")},
+      std::pair{R::calibration, std::string_view("calibration")},
+      std::pair{R::measurementRequired, std::string_view("measurementRequired")},
+  };
+};
+
+template <>
+struct ORXRawValueTable<OrxCinemaAdmissionReason> {
+  using R = OrxCinemaAdmissionReason;
+  static constexpr std::array entries{
+      std::pair{R::liveSafe, std::string_view("liveSafe")},
+      std::pair{R::thermalOrMemory, std::string_view("thermalOrMemory")},
+      std::pair{R::sourceReservoir, std::string_view("sourceReservoir")},
+      std::pair{R::nonMLOverBudget, std::string_view("nonMLOverBudget")},
+      std::pair{R::sparseResearch, std::string_view("sparseResearch")},
+      std::pair{R::calibration, std::string_view("calibration")},
+      std::pair{R::invalidFacts, std::string_view("invalidFacts")},
+  };
+};
+
+template <>
+struct ORXRawValueTable<OrxDecisionSource> {
+  using S = OrxDecisionSource;
+  static constexpr std::array entries{
+      std::pair{S::policy, std::string_view("policy")},
+      std::pair{S::moduleUnavailable, std::string_view("moduleUnavailable")},
+      std::pair{S::trap, std::string_view("trap")},
+      std::pair{S::invalidOutput, std::string_view("invalidOutput")},
+  };
+};
+
+// The case's name as written in the enumeration ("tokenExpired", "nudge", "invalidOutput"), for
+// reports and tools.
+template <ORXRawValued E>
+constexpr std::string_view orxCaseName(E value) {
+  return orxRawValue(value);
+}
 
 // The enumerations exchanged with policy modules: signed 32-bit raw values.
 template <class E>

@@ -19,7 +19,7 @@ enum class PixmorORXAbility {
 };
 
 template <>
-struct RavoLabelTable<PixmorORXAbility> {
+struct ORXRawValueTable<PixmorORXAbility> {
   static constexpr std::array<std::pair<PixmorORXAbility, std::string_view>, 6> entries{{
       {PixmorORXAbility::pipelineBuilder, "pixmor_pipeline_builder"},
       {PixmorORXAbility::nodeDefaults, "pixmor_node_defaults"},

@@ -15,7 +15,7 @@ enum class PixmorORXResponseOrigin {
 };
 
 template <>
-struct RavoLabelTable<PixmorORXResponseOrigin> {
+struct ORXRawValueTable<PixmorORXResponseOrigin> {
   static constexpr std::array<std::pair<PixmorORXResponseOrigin, std::string_view>, 2> entries{{
       {PixmorORXResponseOrigin::orx, "orx"},
       {PixmorORXResponseOrigin::localFallback, "localFallback"},

@@ -39,7 +39,7 @@ class PixmorORXTelemetryEvent {
 };
 
 template <>
-struct RavoLabelTable<PixmorORXTelemetryEvent::Outcome> {
+struct ORXRawValueTable<PixmorORXTelemetryEvent::Outcome> {
   using Outcome = PixmorORXTelemetryEvent::Outcome;
   static constexpr std::array<std::pair<Outcome, std::string_view>, 4> entries{{
       {Outcome::orx, "orx"},

@@ -51,9 +51,18 @@ struct Metered {
   static constexpr auto start = Start;
 };
 
-template <class Instance, auto Instantiate, auto Free, auto Decide, std::size_t Arity, class Budgets = Unmetered>
+// The number of 32-bit arguments of a translated `decide`, from its own signature (the instance comes first).
+template <class F>
+struct TranslatedArity;
+template <class R, class Instance, class... Arguments>
+struct TranslatedArity<R (*)(Instance*, Arguments...)> {
+  static constexpr std::size_t value = sizeof...(Arguments);
+};
+
+template <class Instance, auto Instantiate, auto Free, auto Decide, class Budgets = Unmetered>
 class PrecompiledModule final : public OrxModuleInstance {
   static constexpr bool kMetered = !std::is_same_v<Budgets, Unmetered>;
+  static constexpr std::size_t Arity = TranslatedArity<decltype(Decide)>::value;
 
  public:
   PrecompiledModule() {

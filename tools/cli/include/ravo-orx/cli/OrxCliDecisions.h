@@ -12,12 +12,12 @@
 namespace ravo::orx {
 
 // The kind named by the next word: authz, sync or cinema.
-const OrxPolicyKind& orxCliPolicyKind(OrxCliArguments& arguments);
+const OrxDecisionKind& orxCliPolicyKind(OrxCliArguments& arguments);
 
 // The facts of one decision of `kind`, from the words left or from `factsFile`; takes every word and
 // finishes the arguments. Throws OrxCliUsageError for a wrong count, a missing or unknown name or a
 // value that is not a 32-bit integer, and std::exception for a file that does not read as JSON.
-std::vector<std::int32_t> orxCliFacts(OrxCliArguments& arguments, const OrxPolicyKind& kind,
+std::vector<std::int32_t> orxCliFacts(OrxCliArguments& arguments, const OrxDecisionKind& kind,
                                       const std::optional<std::string>& factsFile);
 
 // Prints the decision with its "source"; returns 0 for the module's own answer, 3 for a fail-safe one.

@@ -35,7 +35,7 @@ struct OrxCliPolicyModule {
 // What `policy eval` and `policy bench` decide with: the module, the kind and its facts.
 struct OrxCliPolicyDecision {
   OrxCliPolicyModule module;
-  const OrxPolicyKind& kind;
+  const OrxDecisionKind& kind;
   std::vector<std::int32_t> facts;
 };
 

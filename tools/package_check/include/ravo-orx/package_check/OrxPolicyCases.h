@@ -23,6 +23,6 @@ struct OrxPolicyCaseResult {
 // Throws std::runtime_error when the manifest's facts are not the kind's, and RuntimeError with the
 // module host's text when the module does not load.
 std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest,
-                                                const OrxPolicyKind& kind);
+                                                const OrxDecisionKind& kind);
 
 }  // namespace ravo::orx

@@ -36,7 +36,7 @@ constexpr bool ravoIsModelOrigin(RavoActionProposalOrigin origin) {
 }
 
 template <>
-struct RavoLabelTable<RavoActionEntryPoint> {
+struct ORXRawValueTable<RavoActionEntryPoint> {
   using E = RavoActionEntryPoint;
   static constexpr std::array<std::pair<E, std::string_view>, 7> entries{{{E::button, "button"},
                                                                           {E::voice, "voice"},
@@ -48,21 +48,21 @@ struct RavoLabelTable<RavoActionEntryPoint> {
 };
 
 template <>
-struct RavoLabelTable<RavoActionValueKind> {
+struct ORXRawValueTable<RavoActionValueKind> {
   using E = RavoActionValueKind;
   static constexpr std::array<std::pair<E, std::string_view>, 4> entries{
       {{E::string, "string"}, {E::boolean, "boolean"}, {E::integer, "integer"}, {E::number, "number"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoActionGateRequirement> {
+struct ORXRawValueTable<RavoActionGateRequirement> {
   using E = RavoActionGateRequirement;
   static constexpr std::array<std::pair<E, std::string_view>, 2> entries{
       {{E::hostGrant, "hostGrant"}, {E::orxVerified, "orxVerified"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoActionProposalOrigin> {
+struct ORXRawValueTable<RavoActionProposalOrigin> {
   using E = RavoActionProposalOrigin;
   static constexpr std::array<std::pair<E, std::string_view>, 7> entries{
       {{E::deterministicRouter, "deterministicRouter"},
@@ -75,7 +75,7 @@ struct RavoLabelTable<RavoActionProposalOrigin> {
 };
 
 template <>
-struct RavoLabelTable<RavoActionReceiptOutcome> {
+struct ORXRawValueTable<RavoActionReceiptOutcome> {
   using E = RavoActionReceiptOutcome;
   static constexpr std::array<std::pair<E, std::string_view>, 3> entries{
       {{E::completed, "completed"}, {E::blocked, "blocked"}, {E::failed, "failed"}}};

@@ -21,21 +21,21 @@ enum class RavoRemotePlaybackSource { local, remoteProvider, appleMusic, youTube
 enum class RavoRemoteActionBlock { targetUnavailable };
 
 template <>
-struct RavoLabelTable<RavoRemoteActionID> {
+struct ORXRawValueTable<RavoRemoteActionID> {
   using E = RavoRemoteActionID;
   static constexpr std::array<std::pair<E, std::string_view>, 2> entries{
       {{E::pause, "ravo.playback.pause"}, {E::resume, "ravo.playback.resume"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoRemoteActionOrigin> {
+struct ORXRawValueTable<RavoRemoteActionOrigin> {
   using E = RavoRemoteActionOrigin;
   static constexpr std::array<std::pair<E, std::string_view>, 2> entries{
       {{E::deterministicVoice, "deterministicVoice"}, {E::explicitTouch, "explicitTouch"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoRemotePlaybackSource> {
+struct ORXRawValueTable<RavoRemotePlaybackSource> {
   using E = RavoRemotePlaybackSource;
   static constexpr std::array<std::pair<E, std::string_view>, 4> entries{{{E::local, "local"},
                                                                           {E::remoteProvider, "remoteProvider"},

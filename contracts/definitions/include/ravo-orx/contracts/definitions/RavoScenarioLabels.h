@@ -33,35 +33,35 @@ enum class RavoScenarioLifecycle {
 enum class RavoScenarioEffectReceiptOutcome { admitted, completed, blocked, failed };
 
 template <>
-struct RavoLabelTable<RavoScenarioNodeKind> {
+struct ORXRawValueTable<RavoScenarioNodeKind> {
   using E = RavoScenarioNodeKind;
   static constexpr std::array<std::pair<E, std::string_view>, 4> entries{
       {{E::trigger, "trigger"}, {E::condition, "condition"}, {E::action, "action"}, {E::control, "control"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoScenarioRiskClass> {
+struct ORXRawValueTable<RavoScenarioRiskClass> {
   using E = RavoScenarioRiskClass;
   static constexpr std::array<std::pair<E, std::string_view>, 4> entries{
       {{E::none, "none"}, {E::low, "low"}, {E::medium, "medium"}, {E::high, "high"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoScenarioIdempotency> {
+struct ORXRawValueTable<RavoScenarioIdempotency> {
   using E = RavoScenarioIdempotency;
   static constexpr std::array<std::pair<E, std::string_view>, 3> entries{
       {{E::idempotent, "idempotent"}, {E::guarded, "guarded"}, {E::nonIdempotent, "nonIdempotent"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoScenarioReversibility> {
+struct ORXRawValueTable<RavoScenarioReversibility> {
   using E = RavoScenarioReversibility;
   static constexpr std::array<std::pair<E, std::string_view>, 3> entries{
       {{E::reversible, "reversible"}, {E::compensatable, "compensatable"}, {E::irreversible, "irreversible"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoScenarioConfirmationPolicy> {
+struct ORXRawValueTable<RavoScenarioConfirmationPolicy> {
   using E = RavoScenarioConfirmationPolicy;
   static constexpr std::array<std::pair<E, std::string_view>, 4> entries{{{E::none, "none"},
                                                                           {E::perExecution, "perExecution"},
@@ -70,28 +70,28 @@ struct RavoLabelTable<RavoScenarioConfirmationPolicy> {
 };
 
 template <>
-struct RavoLabelTable<RavoScenarioOfflinePolicy> {
+struct ORXRawValueTable<RavoScenarioOfflinePolicy> {
   using E = RavoScenarioOfflinePolicy;
   static constexpr std::array<std::pair<E, std::string_view>, 3> entries{
       {{E::failClosed, "failClosed"}, {E::deferUntilOnline, "deferUntilOnline"}, {E::localOnly, "localOnly"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoScenarioDataEgressPolicy> {
+struct ORXRawValueTable<RavoScenarioDataEgressPolicy> {
   using E = RavoScenarioDataEgressPolicy;
   static constexpr std::array<std::pair<E, std::string_view>, 3> entries{
       {{E::none, "none"}, {E::localOnly, "localOnly"}, {E::approvedProviderOnly, "approvedProviderOnly"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoScenarioActivationRequest> {
+struct ORXRawValueTable<RavoScenarioActivationRequest> {
   using E = RavoScenarioActivationRequest;
   static constexpr std::array<std::pair<E, std::string_view>, 3> entries{
       {{E::notRequested, "notRequested"}, {E::oneShot, "oneShot"}, {E::recurring, "recurring"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoScenarioLifecycle> {
+struct ORXRawValueTable<RavoScenarioLifecycle> {
   using E = RavoScenarioLifecycle;
   static constexpr std::array<std::pair<E, std::string_view>, 9> entries{{{E::draft, "draft"},
                                                                           {E::validated, "validated"},
@@ -105,7 +105,7 @@ struct RavoLabelTable<RavoScenarioLifecycle> {
 };
 
 template <>
-struct RavoLabelTable<RavoScenarioEffectReceiptOutcome> {
+struct ORXRawValueTable<RavoScenarioEffectReceiptOutcome> {
   using E = RavoScenarioEffectReceiptOutcome;
   static constexpr std::array<std::pair<E, std::string_view>, 4> entries{
       {{E::admitted, "admitted"}, {E::completed, "completed"}, {E::blocked, "blocked"}, {E::failed, "failed"}}};

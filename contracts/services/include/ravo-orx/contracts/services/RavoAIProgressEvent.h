@@ -38,7 +38,7 @@ enum class RavoAIOperation {
 };
 
 template <>
-struct RavoLabelTable<RavoAIProgressPhase> {
+struct ORXRawValueTable<RavoAIProgressPhase> {
   using E = RavoAIProgressPhase;
   static constexpr std::array<std::pair<E, std::string_view>, 8> entries{{{E::received, "received"},
                                                                           {E::localResolution, "localResolution"},
@@ -51,7 +51,7 @@ struct RavoLabelTable<RavoAIProgressPhase> {
 };
 
 template <>
-struct RavoLabelTable<RavoAIOperation> {
+struct ORXRawValueTable<RavoAIOperation> {
   using E = RavoAIOperation;
   static constexpr std::array<std::pair<E, std::string_view>, 11> entries{{{E::navigation, "navigation"},
                                                                            {E::mediaTransport, "mediaTransport"},

@@ -16,14 +16,14 @@ enum class RavoHomeInventoryCapability { power, brightness, color, colorTemperat
 enum class RavoHomeCommandKind { power, brightness, colorTemperature, targetTemperature };
 
 template <>
-struct RavoLabelTable<RavoHomeInventoryDeviceKind> {
+struct ORXRawValueTable<RavoHomeInventoryDeviceKind> {
   using E = RavoHomeInventoryDeviceKind;
   static constexpr std::array<std::pair<E, std::string_view>, 4> entries{
       {{E::light, "light"}, {E::outlet, "outlet"}, {E::thermostat, "thermostat"}, {E::unknown, "unknown"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoHomeInventoryCapability> {
+struct ORXRawValueTable<RavoHomeInventoryCapability> {
   using E = RavoHomeInventoryCapability;
   static constexpr std::array<std::pair<E, std::string_view>, 5> entries{{{E::power, "power"},
                                                                           {E::brightness, "brightness"},
@@ -33,7 +33,7 @@ struct RavoLabelTable<RavoHomeInventoryCapability> {
 };
 
 template <>
-struct RavoLabelTable<RavoHomeCommandKind> {
+struct ORXRawValueTable<RavoHomeCommandKind> {
   using E = RavoHomeCommandKind;
   static constexpr std::array<std::pair<E, std::string_view>, 4> entries{{{E::power, "power"},
                                                                           {E::brightness, "brightness"},

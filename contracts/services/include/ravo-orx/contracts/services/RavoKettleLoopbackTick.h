@@ -14,7 +14,7 @@ namespace ravo::orx {
 enum class RavoKettleLoopbackPhase { waiting, earlyNotice, expectedReady };
 
 template <>
-struct RavoLabelTable<RavoKettleLoopbackPhase> {
+struct ORXRawValueTable<RavoKettleLoopbackPhase> {
   using E = RavoKettleLoopbackPhase;
   static constexpr std::array<std::pair<E, std::string_view>, 3> entries{
       {{E::waiting, "waiting"}, {E::earlyNotice, "earlyNotice"}, {E::expectedReady, "expectedReady"}}};

@@ -18,7 +18,7 @@ enum class RavoModelProviderTransport { onDevice, loopback, cloud };
 enum class RavoModelProviderState { discovered, configured, authenticated, healthy, eligible, unavailable, revoked, failed };
 
 template <>
-struct RavoLabelTable<RavoModelProviderKind> {
+struct ORXRawValueTable<RavoModelProviderKind> {
   using E = RavoModelProviderKind;
   static constexpr std::array<std::pair<E, std::string_view>, 4> entries{
       {{E::appleFoundationModels, "appleFoundationModels"},
@@ -28,14 +28,14 @@ struct RavoLabelTable<RavoModelProviderKind> {
 };
 
 template <>
-struct RavoLabelTable<RavoModelProviderTransport> {
+struct ORXRawValueTable<RavoModelProviderTransport> {
   using E = RavoModelProviderTransport;
   static constexpr std::array<std::pair<E, std::string_view>, 3> entries{
       {{E::onDevice, "onDevice"}, {E::loopback, "loopback"}, {E::cloud, "cloud"}}};
 };
 
 template <>
-struct RavoLabelTable<RavoModelProviderState> {
+struct ORXRawValueTable<RavoModelProviderState> {
   using E = RavoModelProviderState;
   static constexpr std::array<std::pair<E, std::string_view>, 8> entries{{{E::discovered, "discovered"},
                                                                           {E::configured, "configured"},

@@ -5,7 +5,7 @@
 // leaving absent optionals out; `static T fromJSON(const RavoJSON&)` reads them back and throws
 // RavoJSONDecodingError on a missing key, a wrong type, an unknown label, a non-finite or
 // out-of-range number or a malformed UUID or time. RavoJSONCodec<T> maps the leaf types; labels
-// (closed sets with text raw values) declare their texts once in RavoLabelTable<E>.
+// (closed sets with text raw values) declare their texts once in ORXRawValueTable<E>.
 
 #include <array>
 #include <cmath>
@@ -23,6 +23,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <ravo-orx/core/ORXRawValue.h>
 #include <ravo-orx/contracts/support/RavoTime.h>
 #include <ravo-orx/contracts/support/RavoUUID.h>
 
@@ -36,30 +37,6 @@ class RavoJSONDecodingError : public std::runtime_error {
 };
 
 // Specialise with `static constexpr std::array<std::pair<E, std::string_view>, N> entries`.
-template <class E>
-struct RavoLabelTable;
-
-template <class E>
-concept RavoLabel = requires { RavoLabelTable<E>::entries; };
-
-template <class E>
-  requires RavoLabel<E>
-constexpr std::string_view ravoLabelText(E value) {
-  for (const auto& [label, text] : RavoLabelTable<E>::entries) {
-    if (label == value) return text;
-  }
-  return {};
-}
-
-template <class E>
-  requires RavoLabel<E>
-constexpr std::optional<E> ravoLabelFromText(std::string_view text) {
-  for (const auto& [label, labelText] : RavoLabelTable<E>::entries) {
-    if (labelText == text) return label;
-  }
-  return std::nullopt;
-}
-
 namespace ravo_json_detail {
 [[noreturn]] void fail(std::string_view context, std::string_view problem);
 std::string describe(const RavoJSON& value);  // "a string", "an array", ... for error texts
@@ -131,15 +108,15 @@ struct RavoJSONCodec<RavoTimePoint> {
   static RavoJSON encode(const RavoTimePoint& value) { return formatRavoTime(value); }
 };
 
-template <RavoLabel E>
+template <ORXRawValued E>
 struct RavoJSONCodec<E> {
   static E decode(const RavoJSON& json, std::string_view context) {
     auto text = RavoJSONCodec<std::string>::decode(json, context);
-    auto label = ravoLabelFromText<E>(text);
+    auto label = orxFromRawValue<E>(text);
     if (!label) ravo_json_detail::fail(context, "unknown value \"" + text + "\"");
     return *label;
   }
-  static RavoJSON encode(E value) { return std::string(ravoLabelText(value)); }
+  static RavoJSON encode(E value) { return std::string(orxRawValue(value)); }
 };
 
 template <class T>

@@ -1,0 +1,100 @@
+#pragma once
+// The three decision kinds, each described once: the command-line name, the module, the facts in
+// argument order, the emitted record's tag and where its reason stands, the reasons a module may answer
+// with, what `decide` is taken to return when it returns nothing, and the text logged when it traps.
+// The runtime, the toolchain, the command line and the check runner read this table; the decisions'
+// own records, enumerations and fail-safe constants are in OrxPolicyDecisions.h.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <tuple>
+
+#include <ravo-orx/runtime/OrxPolicyDecisions.h>
+#include <ravo-orx/runtime/OrxPolicyFacts.h>
+
+namespace ravo::orx {
+
+enum class OrxDecisionKindID { authorization, sync, cinemaAdmission };
+
+struct OrxDecisionKind {
+  OrxDecisionKindID id;
+  std::string_view name;    // "authz", "sync", "cinema": how tools and status texts name it
+  std::string_view module;  // "player_authz", ...: the module file and evidence record
+  std::int32_t emitTag;     // [0] of the emitted record
+  std::size_t reasonIndex;  // where the reason code stands in the emitted record
+  std::int32_t resultWhenNone;  // the `decide` result when the call returns no value
+  std::string_view trapLog;     // logged, followed by the trap's text, when `decide` traps
+  std::span<const std::string_view> factNames;
+  // The names of the reason codes a module may answer with, indexed by code; the host's own
+  // runtimeUnavailable and invalidResult are not among them, and sync codes have only numbers.
+  std::span<const std::string_view> reasonNames;
+};
+
+namespace internal {
+
+// The names of the first N cases of E, by raw value 0 to N-1.
+template <class E, std::size_t N>
+constexpr std::array<std::string_view, N> orxFirstCaseNames() {
+  std::array<std::string_view, N> names{};
+  for (std::size_t code = 0; code < N; ++code) names[code] = orxCaseName(static_cast<E>(code));
+  return names;
+}
+
+inline constexpr std::array<std::string_view, 8> kAuthorizationFactNames{
+    "role", "command", "grantFlags", "tokenAgeMilliseconds", "tokenTTLMilliseconds", "rateUsed", "rateLimit",
+    "controlMode"};
+inline constexpr std::array<std::string_view, 8> kSyncFactNames{
+    "driftMilliseconds", "roundTripMilliseconds", "jitterMilliseconds",  "bufferAheadMilliseconds",
+    "rateX100",          "stallCount",            "syncAgeMilliseconds", "toleranceMilliseconds"};
+inline constexpr std::array<std::string_view, 13> kCinemaAdmissionFactNames{
+    "sourceFPSX100",          "targetFPSX100",         "sourceReservoirMilliseconds",
+    "headroom",               "thermalState",          "memoryPressure",
+    "bridgeTenthsMilliseconds", "temporalTenthsMilliseconds", "interpolationTenthsMilliseconds",
+    "metalFXTenthsMilliseconds", "finalDetailTenthsMilliseconds", "modelTenthsMilliseconds",
+    "modelSampleCount"};
+static_assert(kAuthorizationFactNames.size() == std::tuple_size_v<decltype(AuthorizationFacts{}.arguments())>);
+static_assert(kSyncFactNames.size() == std::tuple_size_v<decltype(SyncFacts{}.arguments())>);
+static_assert(kCinemaAdmissionFactNames.size() == std::tuple_size_v<decltype(CinemaAdmissionFacts{}.arguments())>);
+
+inline constexpr auto kAuthorizationReasonNames =
+    orxFirstCaseNames<OrxAuthorizationReason, rawValue(OrxAuthorizationReason::needsAdmin) + 1>();
+inline constexpr std::array<std::string_view, 6> kSyncReasonNames{"0", "1", "2", "3", "4", "5"};
+inline constexpr auto kCinemaAdmissionReasonNames =
+    orxFirstCaseNames<OrxCinemaAdmissionReason, rawValue(OrxCinemaAdmissionReason::invalidFacts) + 1>();
+
+}  // namespace internal
+
+// In load order, which is also the order of the status texts.
+inline constexpr std::array<OrxDecisionKind, 3> kOrxDecisionKinds{
+    OrxDecisionKind{OrxDecisionKindID::authorization, "authz", "player_authz", 5201, 3, 0,
+                    "ORX authorization trapped; denying command: ", internal::kAuthorizationFactNames, internal::kAuthorizationReasonNames},
+    OrxDecisionKind{OrxDecisionKindID::sync, "sync", "sync_correction", 5301, 4, 0,
+                    "ORX sync correction trapped; holding: ", internal::kSyncFactNames, internal::kSyncReasonNames},
+    OrxDecisionKind{OrxDecisionKindID::cinemaAdmission, "cinema", "cinema_admission", 5401, 4, -1,
+                    "ORX Cinema admission trapped; retaining MetalFX: ", internal::kCinemaAdmissionFactNames, internal::kCinemaAdmissionReasonNames},
+};
+
+constexpr const OrxDecisionKind& orxDecisionKind(OrxDecisionKindID id) {
+  return kOrxDecisionKinds[static_cast<std::size_t>(id)];
+}
+
+// The kind with this command-line name ("authz"), or null.
+constexpr const OrxDecisionKind* orxDecisionKindNamed(std::string_view name) {
+  for (const auto& kind : kOrxDecisionKinds) {
+    if (kind.name == name) return &kind;
+  }
+  return nullptr;
+}
+
+// The kind whose module has this name ("player_authz"), or null.
+constexpr const OrxDecisionKind* orxDecisionKindOfModule(std::string_view module) {
+  for (const auto& kind : kOrxDecisionKinds) {
+    if (kind.module == module) return &kind;
+  }
+  return nullptr;
+}
+
+}  // namespace ravo::orx
