@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include <ravo-orx/engine/WabtModuleReader.h>
+#include <ravo-orx/engine/WabtReadOptions.h>
 
 namespace ravo::orx::internal {
 

@@ -12,6 +12,7 @@
 
 #include <ravo-orx/engine/OrxExecutionBound.h>
 #include <ravo-orx/engine/WabtModuleReader.h>
+#include <ravo-orx/engine/WabtReadOptions.h>
 
 namespace ravo::orx::internal {
 

@@ -1,9 +1,9 @@
 #include <ravo-orx/engine/WabtModuleReader.h>
 
-#include <wabt/error-formatter.h>
 #include <wabt/interp/binary-reader-interp.h>
 
 #include <ravo-orx/engine/OrxLoadBudgets.h>
+#include <ravo-orx/engine/WabtReadOptions.h>
 
 namespace ravo::orx::internal {
 
@@ -22,17 +22,6 @@ std::optional<std::string> readValidatedModule(const std::uint8_t* bytes, std::s
     return std::nullopt;
   }
   return wabtCompileError(errors);
-}
-
-wabt::ReadBinaryOptions wabtReadOptions() {
-  return wabt::ReadBinaryOptions(wabt::Features{}, /*log_stream=*/nullptr, /*read_debug_names=*/false,
-                                 /*stop_on_first_error=*/true, /*fail_on_custom_section_error=*/false);
-}
-
-std::string wabtCompileError(const wabt::Errors& errors) {
-  std::string text = wabt::FormatErrorsToString(errors, wabt::Location::Type::Binary);
-  while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
-  return "CompileError: " + text;
 }
 
 }  // namespace ravo::orx::internal

@@ -70,11 +70,14 @@ inline constexpr auto kCinemaAdmissionReasonNames =
 // In load order, which is also the order of the status texts.
 inline constexpr std::array<OrxDecisionKind, 3> kOrxDecisionKinds{
     OrxDecisionKind{OrxDecisionKindID::authorization, "authz", "player_authz", 5201, 3, 0,
-                    "ORX authorization trapped; denying command: ", internal::kAuthorizationFactNames, internal::kAuthorizationReasonNames},
+                    "ORX authorization trapped; denying command: ",
+                    internal::kAuthorizationFactNames, internal::kAuthorizationReasonNames},
     OrxDecisionKind{OrxDecisionKindID::sync, "sync", "sync_correction", 5301, 4, 0,
-                    "ORX sync correction trapped; holding: ", internal::kSyncFactNames, internal::kSyncReasonNames},
+                    "ORX sync correction trapped; holding: ",
+                    internal::kSyncFactNames, internal::kSyncReasonNames},
     OrxDecisionKind{OrxDecisionKindID::cinemaAdmission, "cinema", "cinema_admission", 5401, 4, -1,
-                    "ORX Cinema admission trapped; retaining MetalFX: ", internal::kCinemaAdmissionFactNames, internal::kCinemaAdmissionReasonNames},
+                    "ORX Cinema admission trapped; retaining MetalFX: ",
+                    internal::kCinemaAdmissionFactNames, internal::kCinemaAdmissionReasonNames},
 };
 
 constexpr const OrxDecisionKind& orxDecisionKind(OrxDecisionKindID id) {

@@ -3,7 +3,6 @@
 // code analysis with its own budgets (OrxExecutionBound.h), then wabt's reading and validation into
 // its description of a module.
 
-#include <wabt/binary-reader.h>
 #include <wabt/error.h>
 #include <wabt/interp/interp.h>
 
@@ -23,12 +22,5 @@ std::optional<std::string> readWabtModule(const std::uint8_t* bytes, std::size_t
 // wabt's reading and validation alone, for bytes the host produced itself (a metered module).
 std::optional<std::string> readValidatedModule(const std::uint8_t* bytes, std::size_t size,
                                                wabt::interp::ModuleDesc& desc);
-
-// How every reader of module bytes has wabt read them: the default features, no debug names, stopping
-// at the first error, custom sections ignored when malformed.
-wabt::ReadBinaryOptions wabtReadOptions();
-
-// wabt's errors as one refusal text, "CompileError: …".
-std::string wabtCompileError(const wabt::Errors& errors);
 
 }  // namespace ravo::orx::internal
