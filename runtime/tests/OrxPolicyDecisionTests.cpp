@@ -202,16 +202,31 @@ TEST(OrxPolicyDecisions, CinemaAcceptsOnlyRoutesThatAgreeWithTheirFields) {
   EXPECT_EQ(log.lines().at(0), "error: ORX Cinema admission trapped; retaining MetalFX: RuntimeError: unreachable executed");
 }
 
-TEST(OrxPolicyDecisions, CinemaRefusesADecideThatReturnsNothingEvenWithAGoodRecord) {
-  const std::string wat = R"wat((module
-    (import "output" "emit" (func $emit (param i32 i32 i32 i32 i32) (result i32)))
-    (func (export "decide") (param i32 i32 i32 i32 i32 i32 i32 i32 i32 i32 i32 i32 i32)
-      (drop (call $emit (i32.const 5401) (i32.const -1) (i32.const 0) (i32.const 0) (i32.const 1))))))wat";
+// A decide that returns nothing counts as route -1 for cinema (so even a record that would be a good
+// metalFXOnly answer is refused) and as a denial for authorization (so a denying record is accepted).
+TEST(OrxPolicyDecisions, ADecideThatReturnsNothingCountsAsEachKindsOwnResult) {
+  auto voidModule = [](int arity, const std::string& record) {
+    std::string params;
+    for (int i = 0; i < arity; ++i) params += " i32";
+    return LoadedModule::instantiate("void", assembleWat(R"wat((module
+      (import "output" "emit" (func $emit (param i32 i32 i32 i32 i32) (result i32)))
+      (func (export "decide") (param)wat" + params + R"wat()
+        (drop (call $emit )wat" + record + R"wat()))))wat"));
+  };
+  for (const std::string route : {"-1", "0"}) {
+    OrxPolicyModules modules;
+    modules.cinemaAdmission = voidModule(13, "(i32.const 5401) (i32.const " + route + ") (i32.const 0) (i32.const 0) (i32.const 1)");
+    OrxPolicyDecider decider(std::move(modules));
+    EXPECT_EQ(decider.decideCinemaAdmissionWithSource({}),
+              (OrxSourcedDecision<OrxCinemaAdmissionDecision>{metalFX, OrxDecisionSource::invalidOutput}))
+        << "route " << route;
+  }
   OrxPolicyModules modules;
-  modules.cinemaAdmission = LoadedModule::instantiate("void", assembleWat(wat));
+  modules.authorization = voidModule(8, "(i32.const 5201) (i32.const 0) (i32.const 6) (i32.const 5) (i32.const 3)");
   OrxPolicyDecider decider(std::move(modules));
-  EXPECT_EQ(decider.decideCinemaAdmission({}), metalFX);
-  EXPECT_EQ(decider.failureCount(), 1u);
+  EXPECT_EQ(decider.authorizeWithSource({0, 6, 0, 0, 0, 0, 0, 0}),
+            (OrxSourcedDecision<OrxAuthorizationDecision>{{false, OrxAuthorizationReason::notController, 3},
+                                                          OrxDecisionSource::policy}));
 }
 
 TEST(OrxPolicyDecisions, WithoutModulesEveryDecisionIsTheCountedFailSafe) {
