@@ -1,10 +1,13 @@
 // The built ravo-orx, driven like its users drive it: every subcommand with good and bad input, and
 // exactly what it writes to standard output and standard error and the status it exits with.
 
+#include <regex>
+
+#include <ravo-orx/runtime/OrxDecisionKinds.h>
+
 #include "tools/cli/tests/OrxCliToolRunner.h"
 
 namespace ravo::orx {
-
 
 namespace {
 
@@ -33,6 +36,16 @@ TEST(RavoOrxTool, HelpVersionAndCommands) {
     const auto outcome = run({"policy", subcommand, "-h"}, "");
     EXPECT_TRUE(outcome.out.starts_with("usage: ravo-orx policy " + subcommand + " ") && outcome.status == 0)
         << outcome;
+  }
+}
+
+// The help of decide lists each kind's facts in argument order, as the decision kinds name them.
+TEST(RavoOrxTool, DecideHelpListsEachKindsFactsInOrder) {
+  const std::string help = std::regex_replace(run({"decide", "--help"}, "").out, std::regex(R"(\s+)"), " ");
+  for (const auto& kind : kOrxDecisionKinds) {
+    std::string line = " " + std::string(kind.name);
+    for (const auto fact : kind.factNames) line += " " + std::string(fact);
+    EXPECT_NE(help.find(line + " -> {"), std::string::npos) << line;
   }
 }
 

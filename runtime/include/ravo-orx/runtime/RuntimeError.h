@@ -1,6 +1,7 @@
 #pragma once
-// The policy runtime's load error: a message that is also its description. It never leaves the
-// runtime: construction turns it into `loadError` text.
+// The policy runtime's load error: a message that is also its description. Construction turns every
+// one into `loadError` text and never throws; only OrxPolicyRuntime::locateArtifacts() throws it to a
+// caller ("Bundled ORX artifacts were not found").
 
 #include <exception>
 #include <string>
