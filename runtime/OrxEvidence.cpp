@@ -108,7 +108,8 @@ OrxVerifiedModuleBytes verifyModuleArtifacts(std::string_view name, const std::f
   if (!matchesTable(OrxBuildConstants::expectedDigests(), name, record->wasmSha256)) {
     throw RuntimeError("ORX evidence is not approved by this Ravo build");
   }
-  if (ORXSHA256::hex(readArtifactFile(directory / (moduleName + std::string(kOrxPackageCheckFileSuffix)))) != record->packageCheckSha256) {
+  const auto packageCheck = readArtifactFile(directory / (moduleName + std::string(kOrxPackageCheckFileSuffix)));
+  if (ORXSHA256::hex(packageCheck) != record->packageCheckSha256) {
     throw RuntimeError("ORX package-check digest mismatch for " + moduleName);
   }
   OrxVerifiedModuleBytes module{readArtifactFile(directory / (moduleName + std::string(kOrxModuleFileSuffix))), {}};
