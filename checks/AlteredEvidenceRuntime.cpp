@@ -7,6 +7,7 @@
 #include <ravo-orx/contracts/support/RavoJSON.h>
 #include <ravo-orx/contracts/support/RavoUUID.h>
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
+#include <ravo-orx/runtime/OrxEvidence.h>
 
 namespace ravo::orx {
 
@@ -15,11 +16,6 @@ using namespace internal;
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kArtifactFiles[] = {
-    "evidence.json",      "player_authz.wasm",           "player_authz.package-check.json",
-    "sync_correction.wasm", "sync_correction.package-check.json", "cinema_admission.wasm",
-    "cinema_admission.package-check.json"};
 
 // Removes the directory however the check ends; removal errors are reported only when asked for.
 class ScratchDirectory {
@@ -77,8 +73,8 @@ std::unique_ptr<OrxPolicyRuntime> alteredEvidenceRuntime(const fs::path& artifac
   ScratchDirectory scratch(temporaryRoot / ("ravo-orx-check-" + RavoUUID::random().uuidString()));
   if (!fs::create_directories(scratch.path(), error) || error) return nullptr;
   try {
-    for (const char* name : kArtifactFiles) writeFile(scratch.path() / name, readArtifactText(artifacts / name));
-    editEvidence(scratch.path() / "evidence.json", mutate);
+    for (const auto& name : orxArtifactFileNames()) writeFile(scratch.path() / name, readArtifactText(artifacts / name));
+    editEvidence(scratch.path() / kOrxEvidenceFile, mutate);
   } catch (const std::exception&) {
     return nullptr;
   }

@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "dd4a815fedb7ac8115cf14bc5160152ef64d3c528e0f4b9917072ad50152b6aa";
+  static const std::string value = "20cc196b3d36e2d8866e98728295f776d25605f9617d6803fa02bcf1be3205fc";
   return value;
 }
 

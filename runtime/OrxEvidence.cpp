@@ -7,6 +7,7 @@
 #include <ravo-orx/core/ORXSHA256.h>
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
 #include <ravo-orx/runtime/OrxBuildConstants.h>
+#include <ravo-orx/runtime/OrxDecisionKinds.h>
 #include <ravo-orx/runtime/RuntimeError.h>
 
 namespace ravo::orx::internal {
@@ -35,7 +36,8 @@ const ORXJSONDocument& required(const ORXJSONDocument& object, const std::string
 
 void expectKind(const ORXJSONDocument& value, ORXJSONDocument::Kind kind, const std::string& path,
                 const char* expected) {
-  if (value.kind != kind) refuse(path, std::string("expected ") + expected + ", found " + std::string(value.describe()));
+  if (value.kind == kind) return;
+  refuse(path, std::string("expected ") + expected + ", found " + std::string(value.describe()));
 }
 
 std::string text(const ORXJSONDocument& object, const std::string& path, const char* key) {
@@ -54,6 +56,19 @@ OrxModuleEvidence decodeModule(const ORXJSONDocument& record, const std::string&
 }
 
 }  // namespace
+
+std::string orxModuleFileName(std::string_view module) { return std::string(module) + ".wasm"; }
+
+std::string orxPackageCheckFileName(std::string_view module) { return std::string(module) + ".package-check.json"; }
+
+std::vector<std::string> orxArtifactFileNames() {
+  std::vector<std::string> names{std::string(kOrxEvidenceFile)};
+  for (const auto& kind : kOrxDecisionKinds) {
+    names.push_back(orxModuleFileName(kind.module));
+    names.push_back(orxPackageCheckFileName(kind.module));
+  }
+  return names;
+}
 
 OrxEvidence OrxEvidence::decode(std::span<const std::uint8_t> json) {
   ORXJSONDocument document;
@@ -108,11 +123,11 @@ OrxVerifiedModuleBytes verifyModuleArtifacts(std::string_view name, const std::f
   if (!matchesTable(OrxBuildConstants::expectedDigests(), name, record->wasmSha256)) {
     throw RuntimeError("ORX evidence is not approved by this Ravo build");
   }
-  const auto packageCheck = readArtifactFile(directory / (moduleName + std::string(kOrxPackageCheckFileSuffix)));
+  const auto packageCheck = readArtifactFile(directory / orxPackageCheckFileName(name));
   if (ORXSHA256::hex(packageCheck) != record->packageCheckSha256) {
     throw RuntimeError("ORX package-check digest mismatch for " + moduleName);
   }
-  OrxVerifiedModuleBytes module{readArtifactFile(directory / (moduleName + std::string(kOrxModuleFileSuffix))), {}};
+  OrxVerifiedModuleBytes module{readArtifactFile(directory / orxModuleFileName(name)), {}};
   module.digest = ORXSHA256::hex(module.bytes);
   if (!matchesTable(OrxBuildConstants::expectedDigests(), name, module.digest)) {
     throw RuntimeError("ORX artifact digest mismatch for " + moduleName);

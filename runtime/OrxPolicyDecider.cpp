@@ -66,8 +66,8 @@ std::string OrxPolicyDecider::statusDescription() const {
   auto part = [](std::string_view label, const std::unique_ptr<LoadedModule>& module) {
     return std::string(label) + (module ? " " + digestPrefix(module) : std::string(" unavailable"));
   };
-  return "ORX partial \u00B7 " + part(kAuthorization.name, authorization) + " / " + part(kSync.name, sync) + " / " +
-         part(kCinema.name, cinema);
+  return "ORX partial \u00B7 " + part(kAuthorization.name, authorization) + " / " + part(kSync.name, sync) +
+         " / " + part(kCinema.name, cinema);
 }
 
 std::string OrxPolicyDecider::executionTiers() const {
@@ -85,7 +85,8 @@ OrxSourcedDecision<Decision> OrxPolicyDecider::fail(Decision failSafe, OrxDecisi
   return {failSafe, source};
 }
 
-OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyDecider::authorizeWithSource(const AuthorizationFacts& facts) noexcept {
+OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyDecider::authorizeWithSource(
+    const AuthorizationFacts& facts) noexcept {
   std::lock_guard guard(lock_);
   if (!modules_.authorization) {
     return fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::moduleUnavailable);
@@ -153,7 +154,7 @@ bool OrxPolicyDecider::isValidHostSyncOutput(OrxSyncAction action, std::int32_t 
                                              std::int32_t correctionMilliseconds, std::int32_t reason) {
   if (rateX1000 < 950 || rateX1000 > 1050) return false;
   if (correctionMilliseconds < -kOneDayMilliseconds || correctionMilliseconds > kOneDayMilliseconds) return false;
-  if (reason < 0 || reason > 5) return false;
+  if (reason < 0 || reason > kOrxMaxSyncReason) return false;
   switch (action) {
     case OrxSyncAction::hold: return rateX1000 == 1000 && correctionMilliseconds == 0;
     case OrxSyncAction::nudge: return correctionMilliseconds == 0;

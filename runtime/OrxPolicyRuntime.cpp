@@ -61,7 +61,9 @@ Loaded load(const std::optional<std::filesystem::path>& artifactsDirectory) {
   }
 
   std::vector<std::string> errors;
-  auto module = [&](OrxDecisionKindID id) { return loadIsolated(orxDecisionKind(id).module, directory, evidence, errors); };
+  auto module = [&](OrxDecisionKindID id) {
+    return loadIsolated(orxDecisionKind(id).module, directory, evidence, errors);
+  };
   loaded.modules.authorization = module(OrxDecisionKindID::authorization);
   loaded.modules.sync = module(OrxDecisionKindID::sync);
   loaded.modules.cinemaAdmission = module(OrxDecisionKindID::cinemaAdmission);

@@ -10,11 +10,6 @@
 
 #include <ravo-orx/adapters/pixmor/PixmorORXHost.h>
 
-namespace ravo::orx {
-
-
-}  // namespace ravo::orx
-
 using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <map>
 
+#include <ravo-orx/checks/AlteredEvidenceRuntime.h>
 #include <ravo-orx/checks/OrxRuntimeCheckCatalog.h>
 #include <ravo-orx/runtime/OrxLog.h>
 #include "runtime/tests/ArtifactCopy.h"
@@ -14,17 +15,30 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// For its lifetime, TMPDIR names `temporary` and the runtime's log is silent.
+class QuietScratchTemporary {
+ public:
+  explicit QuietScratchTemporary(const fs::path& temporary) {
+    const char* previous = std::getenv("TMPDIR");
+    if (previous) saved_ = previous;
+    ::setenv("TMPDIR", temporary.c_str(), 1);
+    setOrxLogSink([](OrxLogLevel, std::string_view) {});
+  }
+  ~QuietScratchTemporary() {
+    setOrxLogSink({});
+    saved_ ? ::setenv("TMPDIR", saved_->c_str(), 1) : ::unsetenv("TMPDIR");
+  }
+
+ private:
+  std::optional<std::string> saved_;
+};
+
 // Runs the catalog with TMPDIR pointed at `temporary`; returns each check's failure by name.
 std::map<std::string, std::optional<std::string>> runCatalog(const fs::path& artifacts, const fs::path& temporary) {
-  const char* previous = std::getenv("TMPDIR");
-  const std::string saved = previous ? previous : "";
-  ::setenv("TMPDIR", temporary.c_str(), 1);
-  setOrxLogSink([](OrxLogLevel, std::string_view) {});
+  const QuietScratchTemporary quiet(temporary);
   OrxPolicyRuntime runtime(artifacts);
   std::map<std::string, std::optional<std::string>> results;
   for (const auto& entry : orxRuntimeCheckCatalog(runtime, artifacts)) results[entry.name] = entry.check();
-  setOrxLogSink({});
-  previous ? ::setenv("TMPDIR", saved.c_str(), 1) : ::unsetenv("TMPDIR");
   return results;
 }
 
@@ -68,6 +82,20 @@ TEST_F(OrxRuntimeCheckCatalog, WithoutArtifactsOnlyTheFailSafeHoldAndThePureVali
 
 // The runtime refuses evidence nested this deeply with its reader's depth error; the tamper checks,
 // which edit a copy of the evidence as a document, must refuse it as cleanly.
+// The tampered copy holds every artifact: an edit that changes nothing the runtime checks leaves a copy
+// whose three modules all load, so a refusal of the tamper checks can only come from their own edit.
+TEST_F(OrxRuntimeCheckCatalog, AlteredCopiesHoldEveryArtifact) {
+  std::unique_ptr<OrxPolicyRuntime> runtime;
+  {
+    const QuietScratchTemporary quiet(scratch);
+    runtime = alteredEvidenceRuntime("artifacts", [](nlohmann::json& evidence) { evidence["note"] = 1; });
+  }
+  ASSERT_NE(runtime, nullptr);
+  EXPECT_EQ(runtime->loadError(), std::nullopt);
+  EXPECT_EQ(runtime->statusDescription(), "ORX active \u00B7 c3ea776c / 7155bd93 / 92624572");
+  EXPECT_TRUE(fs::is_empty(scratch));
+}
+
 TEST_F(OrxRuntimeCheckCatalog, TamperChecksFailClosedOnEvidenceTooDeepToEdit) {
   const artifact_test::ArtifactCopy copy;
   const auto bytes = readTestFile(copy.path() / "evidence.json");

@@ -13,11 +13,6 @@
 #include <ravo-orx/core/ORXCanonicalJSON.h>
 #include <ravo-orx/core/ORXError.h>
 
-namespace ravo::orx {
-
-
-}  // namespace ravo::orx
-
 using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

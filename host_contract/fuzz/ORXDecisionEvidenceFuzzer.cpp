@@ -11,11 +11,6 @@
 #include <ravo-orx/core/ORXError.h>
 #include <ravo-orx/host_contract/ORXDecisionEvidenceRecord.h>
 
-namespace ravo::orx {
-
-
-}  // namespace ravo::orx
-
 using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

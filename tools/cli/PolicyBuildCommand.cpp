@@ -7,7 +7,6 @@
 
 namespace ravo::orx {
 
-
 namespace {
 
 namespace fs = std::filesystem;

@@ -4,7 +4,7 @@
 #include <ravo-orx/cli/OrxCliCommand.h>
 #include <ravo-orx/cli/OrxCliIO.h>
 #include <ravo-orx/cli/OrxCliPolicyModule.h>
-#include <ravo-orx/package_check/OrxPolicyKind.h>
+#include <ravo-orx/package_check/OrxDecisionByKind.h>
 #include <ravo-orx/package_check/OrxPolicyManifest.h>
 
 namespace ravo::orx {

@@ -44,7 +44,7 @@ std::vector<std::uint8_t> moduleBytes(const fs::path& directory, const std::stri
     if (!assembler) assembler = OrxWatAssembler::find();
     return assembler->assemble(source);
   }
-  return readArtifactFile(directory / (module + std::string(kOrxModuleFileSuffix)));
+  return readArtifactFile(directory / orxModuleFileName(module));
 }
 
 // The reasons no passing case answered with: what the cases leave untested.

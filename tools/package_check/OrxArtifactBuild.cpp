@@ -21,7 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-
 std::string text(const std::vector<std::uint8_t>& bytes) { return {bytes.begin(), bytes.end()}; }
 
 std::optional<std::string> existingBytes(const fs::path& path) {
@@ -47,8 +46,8 @@ OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, const Orx
       for (const auto& failure : check.failures) build.failures.push_back(module + ": " + failure);
       build.modules.push_back({module, ORXSHA256::hex(wasm), ORXSHA256::hex(source), ORXSHA256::hex(manifest)});
       records.push_back(std::move(check.evidence));
-      files.push_back({paths.artifacts / (module + std::string(kOrxModuleFileSuffix)), text(wasm)});
-      files.push_back({paths.artifacts / (module + std::string(kOrxPackageCheckFileSuffix)), std::move(check.report)});
+      files.push_back({paths.artifacts / orxModuleFileName(module), text(wasm)});
+      files.push_back({paths.artifacts / orxPackageCheckFileName(module), std::move(check.report)});
     } catch (const std::exception& error) {
       build.failures.push_back(module + ": " + error.what());
     }

@@ -2,7 +2,6 @@
 
 namespace ravo::orx {
 
-
 namespace {
 
 std::string table(const char* function, const std::vector<OrxModuleDigests>& modules,

@@ -11,13 +11,6 @@
 #include <ravo-orx/runtime/OrxBuildConstants.h>
 #include <ravo-orx/engine/OrxModuleInstance.h>
 
-namespace ravo::orx {
-
-using namespace internal;
-
-
-}  // namespace ravo::orx
-
 using namespace ravo::orx;
 using namespace ravo::orx::internal;
 

@@ -8,13 +8,6 @@
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
 #include <ravo-orx/engine/OrxModuleInstance.h>
 
-namespace ravo::orx {
-
-using namespace internal;
-
-
-}  // namespace ravo::orx
-
 using namespace ravo::orx;
 using namespace ravo::orx::internal;
 

@@ -12,11 +12,6 @@
 #include <ravo-orx/contracts/scenarios/RavoScenarioRevisionDiffer.h>
 #include <ravo-orx/contracts/services/RavoJSONScenarioDraftProposer.h>
 
-namespace ravo::orx {
-
-
-}  // namespace ravo::orx
-
 using namespace ravo::orx;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -8,7 +8,6 @@
 
 namespace ravo::orx {
 
-
 namespace {
 
 using namespace orx_cli_test;

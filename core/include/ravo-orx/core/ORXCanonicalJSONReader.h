@@ -190,17 +190,27 @@ class Reader {
     fail("unterminated string");
   }
 
-  std::int64_t readInteger() {
-    const std::size_t start = position_;
+  bool atDigit() const { return !atEnd() && peek() >= '0' && peek() <= '9'; }
+
+  // One or more digits.
+  void readDigits() {
+    if (!atDigit()) fail("invalid number");
+    while (atDigit()) ++position_;
+  }
+
+  // -?(0|[1-9][0-9]*): the integer part every JSON number starts with.
+  void readIntegerPart() {
     if (peek() == '-') ++position_;
-    auto isDigit = [this] { return !atEnd() && peek() >= '0' && peek() <= '9'; };
     if (!atEnd() && peek() == '0') {
       ++position_;
-    } else if (isDigit()) {
-      while (isDigit()) ++position_;
     } else {
-      fail("invalid number");
+      readDigits();
     }
+  }
+
+  std::int64_t readInteger() {
+    const std::size_t start = position_;
+    readIntegerPart();
     if (!atEnd() && (peek() == '.' || peek() == 'e' || peek() == 'E')) {
       fail("floating JSON numbers are not canonical ORX values");
     }
@@ -211,28 +221,18 @@ class Reader {
     return value;
   }
 
-  // A number as RFC 8259 writes it: -?(0|[1-9][0-9]*)(\.[0-9]+)?([eE][+-]?[0-9]+)?, kept as text.
+  // A number as RFC 8259 writes it: the integer part, then (\.[0-9]+)?([eE][+-]?[0-9]+)?, kept as text.
   std::string_view readNumberText() {
     const std::size_t start = position_;
-    auto isDigit = [this] { return !atEnd() && peek() >= '0' && peek() <= '9'; };
-    auto digits = [&] {
-      if (!isDigit()) fail("invalid number");
-      while (isDigit()) ++position_;
-    };
-    if (peek() == '-') ++position_;
-    if (!atEnd() && peek() == '0') {
-      ++position_;
-    } else {
-      digits();
-    }
+    readIntegerPart();
     if (!atEnd() && peek() == '.') {
       ++position_;
-      digits();
+      readDigits();
     }
     if (!atEnd() && (peek() == 'e' || peek() == 'E')) {
       ++position_;
       if (!atEnd() && (peek() == '+' || peek() == '-')) ++position_;
-      digits();
+      readDigits();
     }
     return input_.substr(start, position_ - start);
   }

@@ -23,9 +23,11 @@ enum class OrxExecutionTier { interpreted, precompiled };
 
 template <>
 struct ravo::orx::ORXRawValueTable<ravo::orx::internal::OrxExecutionTier> {
-  using T = internal::OrxExecutionTier;
-  static constexpr std::array entries{std::pair{T::interpreted, std::string_view("interpreted")},
-                                      std::pair{T::precompiled, std::string_view("precompiled")}};
+  using OrxExecutionTier = internal::OrxExecutionTier;
+  static constexpr std::array<std::pair<OrxExecutionTier, std::string_view>, 2> entries{{
+      {OrxExecutionTier::interpreted, "interpreted"},
+      {OrxExecutionTier::precompiled, "precompiled"},
+  }};
 };
 
 namespace ravo::orx::internal {

@@ -62,6 +62,7 @@ static_assert(kCinemaAdmissionFactNames.size() == std::tuple_size_v<decltype(Cin
 inline constexpr auto kAuthorizationReasonNames =
     orxFirstCaseNames<OrxAuthorizationReason, rawValue(OrxAuthorizationReason::needsAdmin) + 1>();
 inline constexpr std::array<std::string_view, 6> kSyncReasonNames{"0", "1", "2", "3", "4", "5"};
+static_assert(kSyncReasonNames.size() == kOrxMaxSyncReason + 1);
 inline constexpr auto kCinemaAdmissionReasonNames =
     orxFirstCaseNames<OrxCinemaAdmissionReason, rawValue(OrxCinemaAdmissionReason::invalidFacts) + 1>();
 

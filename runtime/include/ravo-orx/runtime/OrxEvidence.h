@@ -18,8 +18,13 @@ inline constexpr std::string_view kOrxEvidenceProfile = "mock-output-v011";
 inline constexpr std::string_view kOrxAbiLane = "0.10";
 inline constexpr std::string_view kOrxHostAbiLane = "0.11";
 inline constexpr std::string_view kOrxPackageCheckPassing = "pass";
-inline constexpr std::string_view kOrxModuleFileSuffix = ".wasm";
-inline constexpr std::string_view kOrxPackageCheckFileSuffix = ".package-check.json";
+
+// "<module>.wasm" and "<module>.package-check.json": each module's files beside the evidence.
+std::string orxModuleFileName(std::string_view module);
+std::string orxPackageCheckFileName(std::string_view module);
+
+// Every file of an artifacts directory: the evidence, then each decision kind's module and report.
+std::vector<std::string> orxArtifactFileNames();
 
 struct OrxModuleEvidence {
   std::string module;

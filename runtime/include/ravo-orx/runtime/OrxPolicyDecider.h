@@ -46,7 +46,8 @@ class OrxPolicyDecider {
 
   OrxSourcedDecision<OrxAuthorizationDecision> authorizeWithSource(const AuthorizationFacts& facts) noexcept;
   OrxSourcedDecision<OrxSyncDecision> correctSyncWithSource(const SyncFacts& facts) noexcept;
-  OrxSourcedDecision<OrxCinemaAdmissionDecision> decideCinemaAdmissionWithSource(const CinemaAdmissionFacts& facts) noexcept;
+  OrxSourcedDecision<OrxCinemaAdmissionDecision> decideCinemaAdmissionWithSource(
+      const CinemaAdmissionFacts& facts) noexcept;
 
   static bool isValidHostSyncOutput(OrxSyncAction action, std::int32_t rateX1000, std::int32_t correctionMilliseconds,
                                     std::int32_t reason);

@@ -52,65 +52,61 @@ enum class OrxDecisionSource : std::uint8_t { policy, moduleUnavailable, trap, i
 
 template <>
 struct ORXRawValueTable<OrxAuthorizationReason> {
-  using R = OrxAuthorizationReason;
-  static constexpr std::array entries{
-      std::pair{R::allowed, std::string_view("allowed")},
-      std::pair{R::unpaired, std::string_view("unpaired")},
-      std::pair{R::tokenExpired, std::string_view("tokenExpired")},
-      std::pair{R::rateLimited, std::string_view("rateLimited")},
-      std::pair{R::missingGrant, std::string_view("missingGrant")},
-      std::pair{R::notController, std::string_view("notController")},
-      std::pair{R::unknownCommand, std::string_view("unknownCommand")},
-      std::pair{R::needsAdmin, std::string_view("needsAdmin")},
-      std::pair{R::runtimeUnavailable, std::string_view("runtimeUnavailable")},
-      std::pair{R::invalidResult, std::string_view("invalidResult")},
-  };
+  static constexpr std::array<std::pair<OrxAuthorizationReason, std::string_view>, 10> entries{{
+      {OrxAuthorizationReason::allowed, "allowed"},
+      {OrxAuthorizationReason::unpaired, "unpaired"},
+      {OrxAuthorizationReason::tokenExpired, "tokenExpired"},
+      {OrxAuthorizationReason::rateLimited, "rateLimited"},
+      {OrxAuthorizationReason::missingGrant, "missingGrant"},
+      {OrxAuthorizationReason::notController, "notController"},
+      {OrxAuthorizationReason::unknownCommand, "unknownCommand"},
+      {OrxAuthorizationReason::needsAdmin, "needsAdmin"},
+      {OrxAuthorizationReason::runtimeUnavailable, "runtimeUnavailable"},
+      {OrxAuthorizationReason::invalidResult, "invalidResult"},
+  }};
 };
 
 template <>
 struct ORXRawValueTable<OrxSyncAction> {
-  static constexpr std::array entries{
-      std::pair{OrxSyncAction::hold, std::string_view("hold")},
-      std::pair{OrxSyncAction::nudge, std::string_view("nudge")},
-      std::pair{OrxSyncAction::seek, std::string_view("seek")},
-  };
+  static constexpr std::array<std::pair<OrxSyncAction, std::string_view>, 3> entries{{
+      {OrxSyncAction::hold, "hold"},
+      {OrxSyncAction::nudge, "nudge"},
+      {OrxSyncAction::seek, "seek"},
+  }};
 };
 
 template <>
 struct ORXRawValueTable<OrxCinemaAdmissionRoute> {
-  using R = OrxCinemaAdmissionRoute;
-  static constexpr std::array entries{
-      std::pair{R::metalFXOnly, std::string_view("metalFXOnly")},
-      std::pair{R::fullFrameML, std::string_view("fullFrameML")},
-      std::pair{R::sparseAnchorResearch, std::string_view("sparseAnchorResearch")},
-      std::pair{R::calibration, std::string_view("calibration")},
-      std::pair{R::measurementRequired, std::string_view("measurementRequired")},
-  };
+  static constexpr std::array<std::pair<OrxCinemaAdmissionRoute, std::string_view>, 5> entries{{
+      {OrxCinemaAdmissionRoute::metalFXOnly, "metalFXOnly"},
+      {OrxCinemaAdmissionRoute::fullFrameML, "fullFrameML"},
+      {OrxCinemaAdmissionRoute::sparseAnchorResearch, "sparseAnchorResearch"},
+      {OrxCinemaAdmissionRoute::calibration, "calibration"},
+      {OrxCinemaAdmissionRoute::measurementRequired, "measurementRequired"},
+  }};
 };
 
 template <>
 struct ORXRawValueTable<OrxCinemaAdmissionReason> {
-  using R = OrxCinemaAdmissionReason;
-  static constexpr std::array entries{
-      std::pair{R::liveSafe, std::string_view("liveSafe")},
-      std::pair{R::thermalOrMemory, std::string_view("thermalOrMemory")},
-      std::pair{R::sourceReservoir, std::string_view("sourceReservoir")},
-      std::pair{R::nonMLOverBudget, std::string_view("nonMLOverBudget")},
-      std::pair{R::sparseResearch, std::string_view("sparseResearch")},
-      std::pair{R::calibration, std::string_view("calibration")},
-      std::pair{R::invalidFacts, std::string_view("invalidFacts")},
-  };
+  static constexpr std::array<std::pair<OrxCinemaAdmissionReason, std::string_view>, 7> entries{{
+      {OrxCinemaAdmissionReason::liveSafe, "liveSafe"},
+      {OrxCinemaAdmissionReason::thermalOrMemory, "thermalOrMemory"},
+      {OrxCinemaAdmissionReason::sourceReservoir, "sourceReservoir"},
+      {OrxCinemaAdmissionReason::nonMLOverBudget, "nonMLOverBudget"},
+      {OrxCinemaAdmissionReason::sparseResearch, "sparseResearch"},
+      {OrxCinemaAdmissionReason::calibration, "calibration"},
+      {OrxCinemaAdmissionReason::invalidFacts, "invalidFacts"},
+  }};
 };
 
 template <>
 struct ORXRawValueTable<OrxDecisionSource> {
-  using S = OrxDecisionSource;
-  static constexpr std::array entries{
-      std::pair{S::policy, std::string_view("policy")},
-      std::pair{S::moduleUnavailable, std::string_view("moduleUnavailable")},
-      std::pair{S::trap, std::string_view("trap")},
-      std::pair{S::invalidOutput, std::string_view("invalidOutput")},
-  };
+  static constexpr std::array<std::pair<OrxDecisionSource, std::string_view>, 4> entries{{
+      {OrxDecisionSource::policy, "policy"},
+      {OrxDecisionSource::moduleUnavailable, "moduleUnavailable"},
+      {OrxDecisionSource::trap, "trap"},
+      {OrxDecisionSource::invalidOutput, "invalidOutput"},
+  }};
 };
 
 // The case's name as written in the enumeration ("tokenExpired", "nudge", "invalidOutput"), for
@@ -163,6 +159,9 @@ struct OrxAuthorizationDecision {
   static constexpr OrxAuthorizationDecision invalid() { return {false, OrxAuthorizationReason::invalidResult, 0}; }
   friend bool operator==(const OrxAuthorizationDecision&, const OrxAuthorizationDecision&) = default;
 };
+
+// Sync reason codes run from 0 to this; the modules define what each means.
+inline constexpr std::int32_t kOrxMaxSyncReason = 5;
 
 struct OrxSyncDecision {
   OrxSyncAction action;

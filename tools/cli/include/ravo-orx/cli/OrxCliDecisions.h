@@ -7,7 +7,7 @@
 #include <vector>
 
 #include <ravo-orx/cli/OrxCliArguments.h>
-#include <ravo-orx/package_check/OrxPolicyKind.h>
+#include <ravo-orx/package_check/OrxDecisionByKind.h>
 
 namespace ravo::orx {
 

@@ -11,7 +11,7 @@
 
 #include <ravo-orx/runtime/LoadedModule.h>
 #include <ravo-orx/cli/OrxCliArguments.h>
-#include <ravo-orx/package_check/OrxPolicyKind.h>
+#include <ravo-orx/package_check/OrxDecisionByKind.h>
 
 namespace ravo::orx {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include <ravo-orx/package_check/OrxPolicyKind.h>
+#include <ravo-orx/package_check/OrxDecisionByKind.h>
 #include <ravo-orx/package_check/OrxPolicyManifest.h>
 
 namespace ravo::orx {

@@ -1,4 +1,4 @@
-#include <ravo-orx/package_check/OrxPolicyKind.h>
+#include <ravo-orx/package_check/OrxDecisionByKind.h>
 
 namespace ravo::orx {
 
