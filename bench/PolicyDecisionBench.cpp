@@ -13,6 +13,7 @@
 #include <new>
 
 #include <ravo-orx/checks/OrxRuntimeCheckCatalog.h>
+#include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
 
 namespace {
@@ -43,9 +44,9 @@ std::vector<std::uint8_t> artifact(const std::string& module) {
 
 OrxPolicyDecider& decider(bool precompiled) {
   auto make = [](bool allowPrecompiled) {
-    return OrxPolicyModules{LoadedModule::instantiate("player_authz", artifact("player_authz"), allowPrecompiled),
-                            LoadedModule::instantiate("sync_correction", artifact("sync_correction"), allowPrecompiled),
-                            LoadedModule::instantiate("cinema_admission", artifact("cinema_admission"), allowPrecompiled)};
+    return OrxPolicyModules{loadModule("player_authz", artifact("player_authz"), allowPrecompiled),
+                            loadModule("sync_correction", artifact("sync_correction"), allowPrecompiled),
+                            loadModule("cinema_admission", artifact("cinema_admission"), allowPrecompiled)};
   };
   static OrxPolicyDecider interpreted(make(false));
   static OrxPolicyDecider native(make(true));

@@ -6,7 +6,10 @@
 # static library's private dependencies are still linked by its consumers, so they are installed too).
 set(ORX_PUBLIC_LIBRARIES OrxCore OrxHostContract RavoSupport RavoDefinitions RavoActions RavoScenarios
   RavoServices RavoAIContracts OrxRuntime RavoORXAdapters RavoORX)
-set(ORX_INTERNAL_LIBRARIES OrxWasmEngine OrxPrecompiledModules OrxBuildConstants)
+set(ORX_INTERNAL_LIBRARIES OrxPrecompiledModules OrxBuildConstants)
+if(NOT ORX_PRECOMPILED)
+  list(APPEND ORX_INTERNAL_LIBRARIES OrxWasmEngine)  # an interpreter-only runtime runs approved modules on it
+endif()
 foreach(library ${ORX_PUBLIC_LIBRARIES})
   add_library(RavoORX::${library} ALIAS ${library})
   # Consumers compile the public headers as C++20 too.

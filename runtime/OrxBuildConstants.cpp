@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "20cc196b3d36e2d8866e98728295f776d25605f9617d6803fa02bcf1be3205fc";
+  static const std::string value = "bd2e3bc20378acd02d3b8be6d547589be878b4f7149b472dfc30d0ff6f6f509a";
   return value;
 }
 

@@ -24,7 +24,7 @@ std::unique_ptr<LoadedModule> loadIsolated(std::string_view name, const std::fil
                                            const OrxEvidence& evidence, std::vector<std::string>& errors) {
   try {
     auto verified = verifyModuleArtifacts(name, directory, evidence);
-    return LoadedModule::instantiate(name, verified.bytes);
+    return LoadedModule::approved(name, verified.bytes, std::move(verified.digest));
   } catch (const std::exception& error) {
     errors.push_back(std::string(name) + ": " + error.what());
     orxLog(OrxLogLevel::error, "ORX module " + std::string(name) + " unavailable; fail-safe policy is active for it: " +

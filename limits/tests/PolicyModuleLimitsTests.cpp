@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/OrxLog.h>
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
 #include "runtime/tests/WatAssembler.h"
@@ -50,7 +50,7 @@ TEST(PolicyModuleLimits, FloodsOfEmittedValuesFailSafeWithOneCountedFailure) {
   };
   for (const auto& c : cases) {
     logLines.clear();
-    OrxPolicyDecider decider({LoadedModule::instantiate("flood", emittingModule(c.fanOut, 1'000, c.ending)), nullptr,
+    OrxPolicyDecider decider({loadModule("flood", emittingModule(c.fanOut, 1'000, c.ending)), nullptr,
                               nullptr});
     EXPECT_EQ(decider.authorize(AuthorizationFacts{}), c.expected) << c.name;
     EXPECT_EQ(decider.failureCount(), 1u) << c.name;

@@ -52,4 +52,14 @@ std::unique_ptr<OrxModuleInstance> instantiatePrecompiledModule(std::string_view
   return nullptr;
 }
 
+std::unique_ptr<OrxModuleInstance> instantiateApprovedModule(std::string_view digest, const std::uint8_t*,
+                                                             std::size_t, OrxInstantiationFailure& failure) {
+  auto instance = instantiatePrecompiledModule(digest);
+  // Unreachable while the build translates every approved module; said plainly should that change.
+  if (!instance) failure = {OrxInstantiationFailure::Kind::invalidModule, "this build has no native code for it"};
+  return instance;
+}
+
+bool approvedModulesRunNatively() { return true; }
+
 }  // namespace ravo::orx::internal

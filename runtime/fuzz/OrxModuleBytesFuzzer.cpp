@@ -12,7 +12,7 @@
 #include <string_view>
 
 #include <ravo-orx/core/ORXSHA256.h>
-#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/OrxBuildConstants.h>
 #include <ravo-orx/runtime/OrxLog.h>
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
@@ -40,7 +40,7 @@ bool isRefusalText(std::string_view text) {
 
 std::unique_ptr<LoadedModule> load(std::span<const std::uint8_t> bytes) {
   try {
-    auto module = LoadedModule::instantiate(kName, bytes);
+    auto module = loadModule(kName, bytes);
     const auto expectedTier = isApproved(bytes) ? OrxExecutionTier::precompiled : OrxExecutionTier::interpreted;
     if (module->tier() != expectedTier) std::abort();
     return module;

@@ -6,14 +6,14 @@
 #include <string_view>
 #include <vector>
 
-#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/RuntimeError.h>
 
 namespace ravo::orx {
 
 inline std::string moduleLoadError(std::string_view name, const std::vector<std::uint8_t>& bytes) {
   try {
-    internal::LoadedModule::instantiate(name, bytes);
+    internal::loadModule(name, bytes);
     return "";
   } catch (const RuntimeError& error) {
     return error.message;

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/OrxLog.h>
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
 #include <ravo-orx/runtime/RuntimeError.h>
@@ -312,7 +312,7 @@ TEST(OrxHostileModules, EachIsRefusedOrContainedWithinItsCeiling) {
     OrxSyncDecision decision = OrxSyncDecision::hold();
     std::uint64_t failures = 0;
     try {
-      OrxPolicyDecider decider({nullptr, LoadedModule::instantiate("probe", bytes), nullptr});
+      OrxPolicyDecider decider({nullptr, loadModule("probe", bytes), nullptr});
       const SyncFacts facts{0, 0, 0, 0, 100, 0, 0, 0};
       decider.correctSync(facts);
       decision = decider.correctSync(facts);

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/loader/OrxModuleLoader.h>
 #include "runtime/tests/ModuleBytes.h"
 #include "runtime/tests/ModuleLoadError.h"
 #include "runtime/tests/WatAssembler.h"
@@ -202,7 +202,7 @@ TEST(OrxModuleHost, RunsOnlyModulesProvenBoundedUnmetered) {
 }
 
 TEST(OrxModuleHost, ReportsEmissionsAndTrapsPerCallAndRecoversAfterATrap) {
-  auto host = LoadedModule::instantiate("probe", assembleWat(module(R"wat(
+  auto host = loadModule("probe", assembleWat(module(R"wat(
     (func (export "decide") (param $mode i32) (result i32)
       (if (i32.eq (local.get $mode) (i32.const 1)) (then unreachable))
       (if (i32.eq (local.get $mode) (i32.const 2)) (then (return (i32.div_s (i32.const 1) (i32.const 0)))))
@@ -288,7 +288,7 @@ TEST(OrxModuleHost, ConvertsOtherSignaturesTheWayAScriptHostWould) {
        R"wat((module (func (export "decide") (param i32 i32) (result i32) (local.get 1))))wat", 0, {}, false},
   };
   for (const auto& c : cases) {
-    auto host = LoadedModule::instantiate("probe", assembleWat(c.wat));
+    auto host = loadModule("probe", assembleWat(c.wat));
     const std::int32_t argument = 11;
     auto call = host->invoke(std::span(&argument, 1));
     EXPECT_EQ(call.result, c.result) << c.name;

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <vector>
 
+#include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/OrxLog.h>
 #include "runtime/tests/PuppetModules.h"
 
@@ -208,7 +209,7 @@ TEST(OrxPolicyDecisions, ADecideThatReturnsNothingCountsAsEachKindsOwnResult) {
   auto voidModule = [](int arity, const std::string& record) {
     std::string params;
     for (int i = 0; i < arity; ++i) params += " i32";
-    return LoadedModule::instantiate("void", assembleWat(R"wat((module
+    return loadModule("void", assembleWat(R"wat((module
       (import "output" "emit" (func $emit (param i32 i32 i32 i32 i32) (result i32)))
       (func (export "decide") (param)wat" + params + R"wat()
         (drop (call $emit )wat" + record + R"wat()))))wat"));

@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/OrxPolicyRuntime.h>
 #include <ravo-orx/engine/wasm2c/PrecompiledTrap.h>
 #include "runtime/tests/MeteredTestModules.h"
@@ -45,8 +45,8 @@ TEST(OrxPrecompiledTier, AgreesWithTheInterpreterOnEveryGeneratedFact) {
   };
   for (const auto& [name, arity] : {Module{"player_authz", 8}, Module{"sync_correction", 8}, Module{"cinema_admission", 13}}) {
     const auto bytes = readTestFile(std::string("artifacts/") + name + ".wasm");
-    auto precompiled = LoadedModule::instantiate(name, bytes);
-    auto interpreted = LoadedModule::instantiate(name, bytes, /*allowPrecompiled=*/false);
+    auto precompiled = loadModule(name, bytes);
+    auto interpreted = loadModule(name, bytes, /*allowPrecompiled=*/false);
     ASSERT_EQ(precompiled->tier(), OrxExecutionTier::precompiled) << name;
     ASSERT_EQ(interpreted->tier(), OrxExecutionTier::interpreted) << name;
 
@@ -100,7 +100,7 @@ TEST(OrxPrecompiledTier, AgreesWithTheInterpreterOnMeteredModules) {
     auto native = precompiledTestModule(name);
     ASSERT_EQ(native.startError, std::nullopt) << name;
     const auto source = readTestFile(std::string(ORX_METERED_TEST_MODULES) + "/" + name + ".source.wasm");
-    tiers[name] = {std::move(native.instance), LoadedModule::instantiate(name, source, /*allowPrecompiled=*/false)};
+    tiers[name] = {std::move(native.instance), loadModule(name, source, /*allowPrecompiled=*/false)};
   }
   for (const auto& call : calls) {
     auto& [native, interpreted] = tiers.at(call.module);
@@ -128,7 +128,7 @@ TEST(OrxPrecompiledTier, AgreesWithTheInterpreterOnMeteredModules) {
 }
 
 TEST(OrxPrecompiledTier, OnlyTheApprovedBytesBindNativeCode) {
-  auto other = LoadedModule::instantiate(
+  auto other = loadModule(
       "other", assembleWat(R"wat((module (func (export "decide") (result i32) (i32.const 0))))wat"));
   EXPECT_EQ(other->tier(), OrxExecutionTier::interpreted);
   OrxPolicyRuntime runtime(std::filesystem::path("artifacts"));

@@ -11,7 +11,7 @@
 #include <memory>
 #include <string>
 
-#include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
 #include "runtime/tests/WatAssembler.h"
 
@@ -35,7 +35,7 @@ inline std::unique_ptr<internal::LoadedModule> puppetModule(int arity) {
     (if (i32.or (i32.eqz (local.get 0)) (i32.eq (local.get 0) (i32.const 3)))
       (then (drop (call $emit5 (local.get 2) (local.get 3) (local.get 4) (local.get 5) (local.get 6)))))
     (local.get 7))))wat";
-  return internal::LoadedModule::instantiate("puppet", assembleWat(wat));
+  return internal::loadModule("puppet", assembleWat(wat));
 }
 
 inline internal::OrxPolicyModules puppetModules() { return {puppetModule(8), puppetModule(8), puppetModule(13)}; }

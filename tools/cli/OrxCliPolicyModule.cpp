@@ -3,6 +3,7 @@
 #include <ravo-orx/core/ORXSHA256.h>
 #include <ravo-orx/runtime/OrxBuildConstants.h>
 #include <ravo-orx/engine/OrxModuleInstance.h>
+#include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/cli/OrxCliDecisions.h>
 #include <ravo-orx/cli/OrxCliIO.h>
 
@@ -25,7 +26,7 @@ std::optional<std::string> OrxCliPolicyModule::approvedAs() const {
 }
 
 std::unique_ptr<LoadedModule> OrxCliPolicyModule::load(std::string_view name, bool allowPrecompiled) const {
-  return LoadedModule::instantiate(name, bytes, allowPrecompiled);
+  return loadModule(name, bytes, allowPrecompiled);
 }
 
 std::string OrxCliPolicyModule::executionBound() const {

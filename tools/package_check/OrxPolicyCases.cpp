@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <type_traits>
 
+#include <ravo-orx/loader/OrxModuleLoader.h>
+
 namespace ravo::orx {
 
 using namespace internal;
@@ -57,7 +59,7 @@ std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wa
     throw std::runtime_error("manifest facts differ from the runtime's " + std::string(kind.module) +
                              " facts: " + formatList<std::string_view>(kind.factNames));
   }
-  auto owned = LoadedModule::instantiate(manifest.module, wasm, /*allowPrecompiled=*/false);
+  auto owned = loadModule(manifest.module, wasm, /*allowPrecompiled=*/false);
   LoadedModule& module = *owned;  // the decider owns it; this tool calls it on the same thread only
   OrxPolicyDecider decider(orxModulesWith(kind, std::move(owned)));
   std::vector<OrxPolicyCaseResult> results;

@@ -34,13 +34,16 @@ namespace ravo::orx::internal {
 
 class LoadedModule {
  public:
-  // Checks the load budgets, parses and validates the bytes (metering them unless they are statically
-  // bounded), then binds precompiled code when the build compiled a module with their digest (unless
-  // `allowPrecompiled` is false) and the interpreter otherwise. The digest is of the bytes as given.
-  // Throws RuntimeError: "Could not instantiate ORX module <name>: <engine text>" or
-  // "ORX module <name> has no decide export".
-  static std::unique_ptr<LoadedModule> instantiate(std::string_view name, std::span<const std::uint8_t> bytes,
-                                                   bool allowPrecompiled = true);
+  // The module of bytes that passed provenance (their digest is a build constant): binds the native
+  // code the build translated from exactly those bytes, so the decisions runtime never parses module
+  // bytes. Arbitrary bytes are the toolchain's (<ravo-orx/loader/OrxModuleLoader.h>).
+  // Throws RuntimeError as refuse() words it.
+  static std::unique_ptr<LoadedModule> approved(std::string_view name, std::span<const std::uint8_t> bytes,
+                                                std::string digest);
+
+  // The load error of a module the engine would not instantiate: "Could not instantiate ORX module
+  // <name>: <engine text>" or "ORX module <name> has no decide export".
+  [[noreturn]] static void refuse(std::string_view name, const OrxInstantiationFailure& failure);
 
   LoadedModule(std::unique_ptr<OrxModuleInstance> instance, std::string digest, OrxExecutionTier tier);
 

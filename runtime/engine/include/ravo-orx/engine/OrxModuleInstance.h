@@ -83,6 +83,15 @@ std::unique_ptr<OrxModuleInstance> instantiateInterpretedModule(const std::uint8
 // compiled no module with that digest. Callers verify the bytes first, like any module's.
 std::unique_ptr<OrxModuleInstance> instantiatePrecompiledModule(std::string_view digest);
 
+// The module of bytes whose digest the build approves (the caller has proven it): the build validated
+// and translated exactly these bytes, so the decisions runtime binds its native code and never parses
+// them. An interpreter-only build (ORX_PRECOMPILED=OFF) instantiates them in the interpreter instead.
+// On failure returns null and fills `failure`.
+std::unique_ptr<OrxModuleInstance> instantiateApprovedModule(std::string_view digest, const std::uint8_t* bytes,
+                                                             std::size_t size, OrxInstantiationFailure& failure);
+// Whether instantiateApprovedModule binds native code (false in an interpreter-only build).
+bool approvedModulesRunNatively();
+
 // A module's imports and exports as signature texts, e.g. "func output.emit(i32, i32) -> (i32)" or
 // "memory memory"; nothing when the bytes are not a valid module. Used to check a package's contract.
 struct OrxModuleInterface {
