@@ -10,6 +10,7 @@
 
 #include <ravo-orx/core/ORXCanonicalValue.h>
 #include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
@@ -20,13 +21,13 @@ namespace ORXCanonicalJSON {
 // in code are held to the same depth.
 inline constexpr int kMaxNestingDepth = ORXCanonicalValue::kMaxNestingDepth;
 
-ORXCanonicalValue parse(std::string_view text);
-ORXCanonicalValue parse(std::span<const std::uint8_t> bytes);
+RAVO_ORX_API ORXCanonicalValue parse(std::string_view text);
+RAVO_ORX_API ORXCanonicalValue parse(std::span<const std::uint8_t> bytes);
 
 // The canonical text of the document: the bytes parse(text).canonicalString() gives, refused with the
 // same errors, but written straight from the text without building the value. Objects whose keys
 // arrive out of order are put in order when they close; the output is never longer than the text.
-std::string canonicalize(std::string_view text);
+RAVO_ORX_API std::string canonicalize(std::string_view text);
 
 }  // namespace ORXCanonicalJSON
 

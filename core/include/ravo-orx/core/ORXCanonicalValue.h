@@ -18,12 +18,13 @@
 #include <vector>
 
 #include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
 class ORXCanonicalValue;
 
-class ORXCanonicalObject {
+class RAVO_ORX_API ORXCanonicalObject {
  public:
   using Field = std::pair<std::string, ORXCanonicalValue>;
   using Fields = std::vector<Field>;
@@ -45,7 +46,7 @@ class ORXCanonicalObject {
   Fields fields_;
 };
 
-class ORXCanonicalValue {
+class RAVO_ORX_API ORXCanonicalValue {
  public:
   enum class Kind { string, boolean, integer, array, object };
   using Array = std::vector<ORXCanonicalValue>;

@@ -9,10 +9,11 @@
 
 #include <ravo-orx/core/ORXClosedEnumSchema.h>
 #include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
-class ORXClosedEnumContext {
+class RAVO_ORX_API ORXClosedEnumContext {
  public:
   // Throws ORXError::duplicate when two schemas share an identity.
   explicit ORXClosedEnumContext(const std::vector<ORXClosedEnumSchema>& schemas);

@@ -8,6 +8,7 @@
 
 #include <ravo-orx/core/ORXError.h>
 #include <ravo-orx/core/ORXRawValue.h>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
@@ -21,7 +22,7 @@ struct ORXRawValueTable<ORXClosedEnumKind> {
   }};
 };
 
-class ORXClosedEnumSchema {
+class RAVO_ORX_API ORXClosedEnumSchema {
  public:
   // Throws when the identity is invalid or no discriminant is allowed.
   ORXClosedEnumSchema(std::string typeID, ORXClosedEnumKind kind, std::set<std::int32_t> allowedDiscriminants);

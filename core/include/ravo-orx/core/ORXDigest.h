@@ -13,10 +13,11 @@
 #include <ravo-orx/core/ORXDigestDomain.h>
 #include <ravo-orx/core/ORXError.h>
 #include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
-class ORXDigest {
+class RAVO_ORX_API ORXDigest {
  public:
   // Throws ORXError::invalid "orx.v051.digest_invalid" for any other text.
   explicit ORXDigest(std::string text);

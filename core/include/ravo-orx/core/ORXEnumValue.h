@@ -10,10 +10,11 @@
 #include <ravo-orx/core/ORXCanonicalValue.h>
 #include <ravo-orx/core/ORXClosedEnumContext.h>
 #include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
-class ORXEnumValue {
+class RAVO_ORX_API ORXEnumValue {
  public:
   // Throws "orx.decision.enum_discriminant_invalid" when the identity differs from `expectedTypeID`,
   // has no schema in `context`, is not an error enum although one is required, or does not allow the

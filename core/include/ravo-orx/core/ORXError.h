@@ -4,10 +4,11 @@
 
 #include <exception>
 #include <string>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
-class ORXError : public std::exception {
+class RAVO_ORX_API ORXError : public std::exception {
  public:
   enum class Kind { invalid, duplicate, unsupported, parse };
 

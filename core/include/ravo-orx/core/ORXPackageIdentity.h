@@ -7,10 +7,11 @@
 #include <ravo-orx/core/ORXCanonicalValue.h>
 #include <ravo-orx/core/ORXDigest.h>
 #include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
-class ORXPackageIdentity {
+class RAVO_ORX_API ORXPackageIdentity {
  public:
   // Throws "orx.v051.package_identity_invalid" when the lane is not admitted.
   ORXPackageIdentity(std::string orxABILane, ORXDigest interfaceDescriptorDigest, ORXDigest manifestDigest,

@@ -16,10 +16,11 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
-class ORXSHA256 {
+class RAVO_ORX_API ORXSHA256 {
  public:
   using Digest = std::array<std::uint8_t, 32>;
   enum class Engine { portable, cpuInstructions };

@@ -9,10 +9,11 @@
 
 #include <ravo-orx/core/ORXError.h>
 #include <ravo-orx/core/ORXPrimitiveType.h>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
-class ORXFlatTypeReference {
+class RAVO_ORX_API ORXFlatTypeReference {
  public:
   static ORXFlatTypeReference primitive(ORXPrimitiveType type) { return ORXFlatTypeReference(type); }
   // Throws unless `typeID` is a `module::Type` identity.
@@ -34,7 +35,7 @@ class ORXFlatTypeReference {
   std::variant<ORXPrimitiveType, std::string> type_;
 };
 
-class ORXTypeReference {
+class RAVO_ORX_API ORXTypeReference {
  public:
   enum class Kind { flat, option, result };
 

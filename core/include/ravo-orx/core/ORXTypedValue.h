@@ -13,12 +13,13 @@
 #include <ravo-orx/core/ORXCanonicalValue.h>
 #include <ravo-orx/core/ORXEnumValue.h>
 #include <ravo-orx/core/ORXTypeReference.h>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
 // A float as its bit pattern (8 lowercase hex digits for f32, 16 for f64) or as NaN. The pattern is
 // checked when the typed value is encoded, since its width depends on the type it is used as.
-class ORXFloatRepresentation {
+class RAVO_ORX_API ORXFloatRepresentation {
  public:
   static ORXFloatRepresentation bits(std::string hex) { return ORXFloatRepresentation(std::move(hex)); }
   static ORXFloatRepresentation nan() { return ORXFloatRepresentation(std::nullopt); }
@@ -34,7 +35,7 @@ class ORXFloatRepresentation {
   std::optional<std::string> bits_;
 };
 
-class ORXTypedValue {
+class RAVO_ORX_API ORXTypedValue {
  public:
   enum class Kind { i32, i64, f32, f64, boolean, enumeration, option, result };
 

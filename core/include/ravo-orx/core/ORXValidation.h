@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <vector>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
@@ -12,11 +13,11 @@ namespace ORXValidation {
 
 // Lowercase ASCII identifier of at most 96 characters: [a-z][a-z0-9._-]*, containing a "." when
 // qualified. Failures are "orx.v051.value_invalid" with messages that begin with `label`.
-std::string asciiIdentifier(std::string_view value, bool qualified, std::string_view label);
+RAVO_ORX_API std::string asciiIdentifier(std::string_view value, bool qualified, std::string_view label);
 
 // A closed enum identity "module::Type": the module an unqualified identifier, the type name
 // [A-Z][A-Za-z0-9_]*.
-std::string qualifiedEnumTypeID(std::string_view value, std::string_view label);
+RAVO_ORX_API std::string qualifiedEnumTypeID(std::string_view value, std::string_view label);
 
 // Every value checked as an identifier, none repeated; returned in ascending byte order.
 std::vector<std::string> sortedUniqueASCII(std::vector<std::string> values, std::string_view label,
@@ -24,10 +25,10 @@ std::vector<std::string> sortedUniqueASCII(std::vector<std::string> values, std:
 
 // True when `a` sorts strictly before `b` by Unicode scalar value. On UTF-8 text that is the order of
 // the bytes, which differs from UTF-16 order above U+FFFF.
-bool compareUnicodeCodePoints(std::string_view a, std::string_view b);
+RAVO_ORX_API bool compareUnicodeCodePoints(std::string_view a, std::string_view b);
 
 // Well-formed UTF-8: shortest forms only, no surrogates, nothing above U+10FFFF.
-bool isValidUTF8(std::string_view bytes);
+RAVO_ORX_API bool isValidUTF8(std::string_view bytes);
 
 }  // namespace ORXValidation
 

@@ -8,10 +8,11 @@
 #include <ravo-orx/core/ORXCanonicalValue.h>
 #include <ravo-orx/core/ORXDigest.h>
 #include <ravo-orx/core/ORXError.h>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
-class ORXVerifiedArtifact {
+class RAVO_ORX_API ORXVerifiedArtifact {
  public:
   // Throws "orx.v051.verified_artifact_invalid" when the lane is not admitted.
   ORXVerifiedArtifact(std::string orxABILane, ORXDigest artifactBytesDigest, ORXDigest verifierEvidenceDigest);

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string_view>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
@@ -19,7 +20,7 @@ using OrxLogSink = std::function<void(OrxLogLevel level, std::string_view messag
 // The runtime logs from inside a decision, while it holds its lock: a sink must return without
 // calling back into any OrxPolicyRuntime or OrxPolicyDecider (the lock is not recursive, so such a
 // call deadlocks), and should hand slow work to another thread.
-void setOrxLogSink(OrxLogSink sink);
-void orxLog(OrxLogLevel level, std::string_view message);
+RAVO_ORX_API void setOrxLogSink(OrxLogSink sink);
+RAVO_ORX_API void orxLog(OrxLogLevel level, std::string_view message);
 
 }  // namespace ravo::orx

@@ -6,10 +6,11 @@
 #include <exception>
 #include <string>
 #include <utility>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
-struct RuntimeError : std::exception {
+struct RAVO_ORX_API RuntimeError : std::exception {
   explicit RuntimeError(std::string message) : message(std::move(message)) {}
   const char* what() const noexcept override { return message.c_str(); }
 
