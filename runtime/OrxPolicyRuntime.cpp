@@ -1,5 +1,6 @@
 #include <ravo-orx/runtime/OrxPolicyRuntime.h>
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <array>
@@ -36,6 +37,18 @@ std::unique_ptr<LoadedModule> loadIsolated(std::string_view name, const std::fil
 std::optional<std::filesystem::path> executablePath() {
   std::error_code error;
   auto path = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) return std::nullopt;
+  return path;
+}
+
+// The file this code was loaded from: libravo-orx's own path when it is the shared library, the
+// executable's when the runtime is linked statically.
+std::optional<std::filesystem::path> libraryPath() {
+  static const char anchor = 0;
+  Dl_info info{};
+  if (dladdr(&anchor, &info) == 0 || !info.dli_fname || !*info.dli_fname) return std::nullopt;
+  std::error_code error;
+  auto path = std::filesystem::canonical(info.dli_fname, error);
   if (error) return std::nullopt;
   return path;
 }
@@ -132,12 +145,14 @@ std::filesystem::path OrxPolicyRuntime::locateArtifacts() {
   std::vector<std::filesystem::path> candidates;
   std::error_code error;
   if (auto current = std::filesystem::current_path(error); !error) candidates.push_back(current / "artifacts");
-  // Installed artifacts: those of the prefix the executable is installed in, then those of the prefix
-  // this library was built for, so an installed application runs from any working directory.
+  // Installed artifacts: those of the prefix the executable is installed in, those of the prefix the
+  // shared library sits in (so a moved or vendored prefix still finds its own), then those of the
+  // prefix this library was built for; an installed application runs from any working directory.
   if (auto executable = executablePath()) {
     candidates.push_back(executable->parent_path().parent_path() / "Resources" / "ORX");
     candidates.push_back(executable->parent_path() / ORX_INSTALLED_ARTIFACTS_FROM_EXECUTABLE);
   }
+  if (auto library = libraryPath()) candidates.push_back(library->parent_path() / ORX_INSTALLED_ARTIFACTS_FROM_LIBRARY);
   candidates.push_back(ORX_INSTALLED_ARTIFACTS);
   for (const auto& candidate : candidates) {
     if (std::filesystem::exists(candidate / kOrxEvidenceFile, error)) return candidate;

@@ -12,6 +12,7 @@
 
 #include <ravo-orx/runtime/OrxPolicyDecisions.h>
 #include <ravo-orx/runtime/OrxPolicyFacts.h>
+#include <ravo-orx/core/ORXExport.h>
 
 namespace ravo::orx {
 
@@ -19,7 +20,7 @@ namespace internal {
 class OrxPolicyDecider;
 }
 
-class OrxPolicyRuntime {
+class RAVO_ORX_API OrxPolicyRuntime {
  public:
   // Loads from `artifactsDirectory`, or from the first location holding "evidence.json" of
   // locateArtifacts(). Never throws.
@@ -59,7 +60,8 @@ class OrxPolicyRuntime {
 
   // The first of these that holds "evidence.json": "artifacts" in the working directory,
   // "Resources/ORX" two levels above the executable, the installed artifacts ("share/ravo-orx/artifacts")
-  // of the prefix holding the executable, and those of the prefix this library was built for.
+  // of the prefix holding the executable, those of the prefix holding the shared library libravo-orx
+  // (when the runtime is loaded from it), and those of the prefix this library was built for.
   // Throws RuntimeError ("Bundled ORX artifacts were not found") when none does.
   static std::filesystem::path locateArtifacts();
 
