@@ -4,7 +4,7 @@
 #                 SOURCE against WORK/prefix alone, builds it, installs it into WORK/prefix and runs
 #                 WORK/prefix/bin/orx_example_NAME from an empty working directory.
 #   STEP=pkg-config  NAME SOURCE WORK LIBDIR CXX_COMPILER: compiles SOURCE/main.cpp with the flags of
-#                 `pkg-config --cflags --libs --static ravo-orx` into WORK/prefix/bin and runs it the
+#                 `pkg-config --cflags --libs --static ravo-orx-static` into WORK/prefix/bin and runs it the
 #                 same way.
 
 function(run)
@@ -30,7 +30,7 @@ file(REMOVE_RECURSE ${elsewhere})
 file(MAKE_DIRECTORY ${elsewhere})
 if(STEP STREQUAL "pkg-config")
   set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIBDIR}/pkgconfig)
-  execute_process(COMMAND pkg-config --cflags --libs --static ravo-orx
+  execute_process(COMMAND pkg-config --cflags --libs --static ravo-orx-static
     OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   separate_arguments(flags UNIX_COMMAND "${flags}")
   run(${CXX_COMPILER} ${SOURCE}/main.cpp -o ${prefix}/bin/${program} ${flags})

@@ -1,7 +1,9 @@
 # Packaging is tested as a user meets it: examples.install installs this tree into a temporary prefix,
 # then each examples.<name> builds examples/<name> against that prefix alone, installs it there and
 # runs it from an empty working directory, so it must find the installed artifacts by itself.
-# examples.pkg_config builds the decisions example once more with ravo-orx.pc's static flags.
+# examples.pkg_config builds the decisions example once more with ravo-orx-static.pc's flags.
+# examples.relocated_prefix installs, moves the prefix and runs the C, C++ and Python examples of the
+# shared library from it (cmake/OrxRelocatedPrefixTest.cmake).
 # package.shadowing_application builds tests/shadowing_application the same way.
 # The README's embedding example is compiled with the tree, so the README cannot drift from the API.
 
@@ -12,7 +14,7 @@ set(orx_example_script ${CMAKE_CURRENT_LIST_DIR}/OrxExampleStep.cmake)
 if(ORX_SANITIZE OR ORX_FUZZ)
   # A program outside this tree would need the tree's sanitizer runtimes to link its instrumented
   # libraries; the plain tree tests the package.
-  foreach(example install ${orx_examples} pkg_config)
+  foreach(example install ${orx_examples} pkg_config relocated_prefix)
     add_test(NAME examples.${example}
       COMMAND ${CMAKE_COMMAND} -E echo "examples skipped: sanitizer build trees do not test the package")
     set_tests_properties(examples.${example} PROPERTIES SKIP_REGULAR_EXPRESSION "examples skipped")
@@ -47,6 +49,15 @@ else()
     FIXTURES_REQUIRED orx_decisions_only_program
     PASS_REGULAR_EXPRESSION "libc\\.so"
     FAIL_REGULAR_EXPRESSION "libicu|libuuid|libfmt|libnlohmann| [TDB] (wasm_rt_|nlohmann::|fmt::)")
+  if(TARGET OrxSharedRuntime)
+    add_test(NAME examples.relocated_prefix
+      COMMAND ${CMAKE_COMMAND} -DBUILD_DIR=${PROJECT_BINARY_DIR} -DSOURCE_DIR=${PROJECT_SOURCE_DIR}
+              -DWORK=${PROJECT_BINARY_DIR}/relocation-work -DLIBDIR=${CMAKE_INSTALL_LIBDIR}
+              -DC_COMPILER=${CMAKE_C_COMPILER} -DCXX_COMPILER=${CMAKE_CXX_COMPILER} "-DGENERATOR=${CMAKE_GENERATOR}"
+              -DMAKE_PROGRAM=${CMAKE_MAKE_PROGRAM} -DPYTHON=${ORX_PYTHON}
+              -P ${CMAKE_CURRENT_LIST_DIR}/OrxRelocatedPrefixTest.cmake)
+    set_tests_properties(examples.relocated_prefix PROPERTIES TIMEOUT 600)
+  endif()
   add_test(NAME examples.pkg_config
     COMMAND ${CMAKE_COMMAND} -DSTEP=pkg-config -DNAME=decisions -DSOURCE=${PROJECT_SOURCE_DIR}/examples/decisions
             -DWORK=${orx_examples_work} -DLIBDIR=${CMAKE_INSTALL_LIBDIR} -DCXX_COMPILER=${CMAKE_CXX_COMPILER}
