@@ -43,7 +43,7 @@ orx_status orxCCopyText(std::string_view text, char* buffer, std::size_t capacit
   *length = text.size();
   if (capacity > 0) {
     std::size_t copied = text.size() < capacity ? text.size() : capacity - 1;
-    std::memcpy(buffer, text.data(), copied);
+    if (copied > 0) std::memcpy(buffer, text.data(), copied);  // an empty view's data() may be null
     buffer[copied] = '\0';
   }
   if (capacity <= text.size()) {
