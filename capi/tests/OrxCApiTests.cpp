@@ -253,12 +253,13 @@ TEST(OrxCApi, UnloadableArtifactsGiveARuntimeAndTheirStatus) {
     const char* what;
     fs::path directory;
     orx_status status;
-    int32_t cinemaAvailable;
+    std::array<int32_t, 3> available;  // authorization, sync, cinema admission
+    int32_t cinemaAvailable() const { return available[ORX_DECISION_CINEMA_ADMISSION]; }
   };
   const std::vector<Case> cases{
-      {"no such directory", scratch / "missing", ORX_STATUS_UNAVAILABLE, 0},
-      {"one module altered", scratch / "partial", ORX_STATUS_PARTIALLY_AVAILABLE, 0},
-      {"the bundled artifacts", kArtifacts, ORX_OK, 1},
+      {"no such directory", scratch / "missing", ORX_STATUS_UNAVAILABLE, {0, 0, 0}},
+      {"one module altered", scratch / "partial", ORX_STATUS_PARTIALLY_AVAILABLE, {1, 1, 0}},
+      {"the bundled artifacts", kArtifacts, ORX_OK, {1, 1, 1}},
   };
   std::vector<std::string> logged;
   orx_set_log_callback(
@@ -271,7 +272,9 @@ TEST(OrxCApi, UnloadableArtifactsGiveARuntimeAndTheirStatus) {
     Runtime runtime(c.directory.c_str());
     ASSERT_NE(runtime.handle, nullptr) << c.what;
     EXPECT_EQ(runtime.status, c.status) << c.what;
-    EXPECT_EQ(orx_runtime_is_available(runtime.handle, ORX_DECISION_CINEMA_ADMISSION), c.cinemaAvailable) << c.what;
+    for (orx_decision_kind kind : {ORX_DECISION_AUTHORIZATION, ORX_DECISION_SYNC, ORX_DECISION_CINEMA_ADMISSION}) {
+      EXPECT_EQ(orx_runtime_is_available(runtime.handle, kind), c.available[kind]) << c.what << ", kind " << kind;
+    }
 
     std::size_t length = 0;
     char error[512];
@@ -286,7 +289,7 @@ TEST(OrxCApi, UnloadableArtifactsGiveARuntimeAndTheirStatus) {
     orx_cinema_admission_decision cinema;
     const orx_cinema_admission_facts facts{2400, 6000, 500, 50, 0, 0, 20, 30, 40, 10, 10, 50, 8};
     EXPECT_EQ(orx_decide_cinema_admission(runtime.handle, &facts, &cinema), ORX_OK);
-    EXPECT_EQ(cinema.source == ORX_SOURCE_MODULE_UNAVAILABLE, c.cinemaAvailable == 0) << c.what;
+    EXPECT_EQ(cinema.source == ORX_SOURCE_MODULE_UNAVAILABLE, c.cinemaAvailable() == 0) << c.what;
   }
   orx_set_log_callback(nullptr, nullptr);
   fs::remove_all(scratch);
