@@ -7,6 +7,7 @@ to this package, else by the system loader as libravo-orx.so.1.
 import ctypes
 import dataclasses
 import enum
+import operator
 import os
 from ctypes import POINTER, byref, c_char_p, c_int32, c_size_t, c_uint64, c_void_p
 
@@ -76,10 +77,13 @@ def _utf8(text):
     raise TypeError(f"expected str or bytes, not {type(text).__name__}")
 
 
-def _c_struct(cls):
-    """The C struct of a facts or decision class: its fields in order, each an int32_t."""
-    fields = [(field.name, c_int32) for field in dataclasses.fields(cls)]
-    return type(f"c_{cls.__name__}", (ctypes.Structure,), {"_fields_": fields})
+def _bind_c_struct(cls):
+    """Gives a facts or decision class its C struct (its fields in order, each an int32_t), a getter of
+    all its fields at once and their types. Worked out once: a decision pays only for the getters."""
+    fields = dataclasses.fields(cls)
+    cls._C = type(f"c_{cls.__name__}", (ctypes.Structure,), {"_fields_": [(f.name, c_int32) for f in fields]})
+    cls._values = operator.attrgetter(*(f.name for f in fields))
+    cls._types = tuple(f.type for f in fields)
 
 
 class DecisionSource(enum.IntEnum):
@@ -106,7 +110,7 @@ class _Facts:
                 raise ValueError(f"{type(self).__name__}.{field.name}={value} is outside the 32-bit signed range")
 
     def _to_c(self):
-        return self._C(*(getattr(self, field.name) for field in dataclasses.fields(self)))
+        return self._C(*self._values(self))
 
 
 @dataclasses.dataclass(frozen=True)
@@ -154,7 +158,7 @@ class _Decision:
     @classmethod
     def _from_c(cls, raw):
         # Each field's annotated type (bool, int, DecisionSource) converts its raw int32_t.
-        return cls(*(field.type(getattr(raw, field.name)) for field in dataclasses.fields(cls)))
+        return cls(*map(lambda convert, value: convert(value), cls._types, cls._values(raw)))
 
 
 @dataclasses.dataclass(frozen=True)
@@ -185,7 +189,7 @@ class CinemaAdmissionDecision(_Decision):
 
 for _cls in (AuthorizationFacts, SyncFacts, CinemaAdmissionFacts,
              AuthorizationDecision, SyncDecision, CinemaAdmissionDecision):
-    _cls._C = _c_struct(_cls)
+    _bind_c_struct(_cls)
 
 
 def _declare(name, restype, *argtypes):
