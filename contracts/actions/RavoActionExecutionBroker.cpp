@@ -53,15 +53,15 @@ void RavoActionExecutionBroker::install(const RavoApplicationActionManifest& man
 }
 
 void RavoActionExecutionBroker::registerHandler(const RavoApplicationActionID& actionID, RavoActionHandler handler) {
-  // An empty function could only fail each execution later, as "handler.failed".
-  if (!handler) throw std::invalid_argument("empty handler for " + actionID.rawValue());
-  auto shared = std::make_shared<const RavoActionHandler>(std::move(handler));
   std::lock_guard lock(mutex_);
   if (!descriptors_.contains(actionID)) {
     throw RavoActionBrokerError(RavoActionBrokerError::Code::unknownAction,
                                 "no installed action to handle: " + actionID.rawValue());
   }
-  handlers_.insert_or_assign(actionID, std::move(shared));
+  // Checked after the broker's own error, which comes first whatever the handler. An empty function
+  // could only fail each execution later, as "handler.failed".
+  if (!handler) throw std::invalid_argument("empty handler for " + actionID.rawValue());
+  handlers_.insert_or_assign(actionID, std::make_shared<const RavoActionHandler>(std::move(handler)));
 }
 
 void RavoActionExecutionBroker::install(const RavoActionGrant& grant) {

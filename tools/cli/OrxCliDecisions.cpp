@@ -37,7 +37,12 @@ std::vector<std::int32_t> factsFromJSON(const RavoJSON& document, const OrxDecis
   for (const auto name : kind.factNames) {
     const auto value = document.find(name);
     if (value == document.end()) throw OrxCliUsageError("missing fact \"" + std::string(name) + "\"");
-    if (!value->is_number_integer() || value->get<std::int64_t>() < kMinimum || value->get<std::int64_t>() > kMaximum) {
+    // An unsigned number is compared as one: read as signed, 2^64 - 1 would pass as -1.
+    const bool inRange = value->is_number_unsigned()
+                             ? value->get<std::uint64_t>() <= static_cast<std::uint64_t>(kMaximum)
+                             : value->is_number_integer() && value->get<std::int64_t>() >= kMinimum &&
+                                   value->get<std::int64_t>() <= kMaximum;
+    if (!inRange) {
       throw OrxCliUsageError("fact \"" + std::string(name) + "\" must be an integer from " +
                              std::to_string(kMinimum) + " to " + std::to_string(kMaximum) + ", got " + value->dump());
     }

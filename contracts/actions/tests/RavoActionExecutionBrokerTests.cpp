@@ -219,9 +219,12 @@ TEST(RavoActionExecutionBroker, SetUpRefusesConflictsUnknownActionsAndInvalidGra
   EXPECT_EQ(broker->installedActions().size(), 16u);
   EXPECT_EQ(broker->installedActions().front().id().rawValue(), "ravo.player.next");
 
-  expectCode(Code::unknownAction, [&] {
-    broker->registerHandler(RavoApplicationActionID("ravo.player.rewind"), [](auto&) { return RavoActionHandlerResult("", ""); });
-  });
+  // An unknown action is the broker's error whatever the handler, an empty one included.
+  for (RavoActionHandler handler : {RavoActionHandler([](auto&) { return RavoActionHandlerResult("", ""); }),
+                                    RavoActionHandler()}) {
+    expectCode(Code::unknownAction,
+               [&] { broker->registerHandler(RavoApplicationActionID("ravo.player.rewind"), std::move(handler)); });
+  }
 
   EXPECT_THROW(broker->registerHandler(RavoPlayerActionIDs::pause(), RavoActionHandler()), std::invalid_argument);
 

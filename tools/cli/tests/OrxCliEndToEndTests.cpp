@@ -137,6 +137,9 @@ TEST(RavoOrxTool, Decide) {
     return words;
   };
   const std::string factRange = " must be an integer from -2147483648 to 2147483647, got ";
+  const auto withRole = [](const std::string& role) {
+    return std::string(R"({"role": )") + role + kPlaysFacts.substr(kPlaysFacts.find(','));
+  };
   expectOutcomes({
       {plays, "", printed(R"({"isAllowed":true,"reason":"allowed","policyVersion":3,"source":"policy"})")},
       {{"decide", "sync", "501", "20", "5", "10000", "100", "0", "500", "50"}, "",
@@ -158,6 +161,11 @@ TEST(RavoOrxTool, Decide) {
        misused("decide", "unknown fact \"rolee\" for authz")},
       {{"decide", "authz", "--facts", "-"}, R"({"role": 2.5})",
        misused("decide", "fact \"role\"" + factRange + "2.5")},
+      // Unsigned numbers past the signed 64-bit range are refused, never wrapped to a negative fact.
+      {{"decide", "--facts", "-", "authz"}, withRole("18446744073709551615"),
+       misused("decide", "fact \"role\"" + factRange + "18446744073709551615")},
+      {{"decide", "--facts", "-", "authz"}, withRole("2147483648"),
+       misused("decide", "fact \"role\"" + factRange + "2147483648")},
       {{"decide", "authz", "--facts", "-"}, "[1]", refused("facts: expected a JSON object keyed by the fact names")},
       {{"decide", "authz", "--facts", "-", "1"}, "", misused("decide", "unexpected argument \"1\"")},
       {{"decide", "authz", "1", "2", "3"}, "", misused("decide", "authz takes 8 facts, got 3")},
