@@ -1,5 +1,11 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <stdexcept>
 
 #include <ravo-orx/cli/OrxCliCommand.h>
 #include <ravo-orx/cli/OrxCliIO.h>
@@ -15,6 +21,27 @@ const fs::path kConstantsSource = "runtime/OrxBuildConstants.cpp";
 // Marks the repository root: the declarations the written constants define.
 const fs::path kConstantsHeader = "runtime/constants/include/ravo-orx/runtime/OrxBuildConstants.h";
 
+// Held for a whole build: two builds in one repository would interleave their writes, so the second
+// waits for the first. The lock is on the constants header, which every repository has and no build
+// writes; the kernel drops it when the process ends, however it ends.
+class RepositoryBuildLock {
+ public:
+  RepositoryBuildLock() : descriptor_(::open(kConstantsHeader.c_str(), O_RDONLY | O_CLOEXEC)) {
+    if (descriptor_ < 0) throw std::runtime_error("cannot open " + kConstantsHeader.string() + " to lock the build");
+    if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0) return;
+    std::fprintf(stderr, "ravo-orx policy build: waiting for another policy build in this repository\n");
+    while (::flock(descriptor_, LOCK_EX) != 0) {
+      if (errno != EINTR) throw std::runtime_error("cannot lock " + kConstantsHeader.string());
+    }
+  }
+  ~RepositoryBuildLock() { ::close(descriptor_); }
+  RepositoryBuildLock(const RepositoryBuildLock&) = delete;
+  RepositoryBuildLock& operator=(const RepositoryBuildLock&) = delete;
+
+ private:
+  int descriptor_;
+};
+
 int runBuild(OrxCliArguments& arguments) {
   const OrxArtifactBuildPaths paths{arguments.option("--policies").value_or("policies"),
                                     arguments.option("--artifacts").value_or("artifacts"), kConstantsSource};
@@ -23,6 +50,7 @@ int runBuild(OrxCliArguments& arguments) {
     throw std::runtime_error("ravo-orx policy build runs from the repository root (no " + kConstantsHeader.string() +
                              " and tools/package_check/ here)");
   }
+  const RepositoryBuildLock lock;
   const auto assembler = OrxWatAssembler::find();
   const auto toolchain = OrxToolchainIdentity::of(assembler, ".");
   const auto build = buildOrxArtifacts(paths, assembler, toolchain);
@@ -53,7 +81,8 @@ constinit const OrxCliCommand kOrxCliPolicyBuildCommand{
     "<module>.package-check.json, evidence.json) and runtime/OrxBuildConstants.cpp, so that the next\n"
     "build of the project approves exactly those artifacts. Only files whose bytes change are written:\n"
     "rebuilding unchanged policies leaves every file as it was. When anything fails it writes nothing\n"
-    "and exits with status 1. tools/README.md defines the compiler identity and toolchain digest.\n",
+    "and exits with status 1. A second build in the same repository waits for the first to end.\n"
+    "tools/README.md defines the compiler identity and toolchain digest.\n",
     runBuild};
 
 }  // namespace ravo::orx

@@ -1,6 +1,12 @@
 // The policy authors' toolchain, `ravo-orx policy ...`, driven like its users drive it: on the bundled
 // policies, on copies with one thing wrong, and on modules that trap or never stop.
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <future>
 #include <regex>
 
 #include "runtime/tests/WatAssembler.h"
@@ -247,6 +253,21 @@ TEST(RavoOrxPolicy, BuildReproducesTheCommittedArtifactsAndConstants) {
   const auto writtenAt = fs::last_write_time(tree.root / "artifacts/evidence.json");
   EXPECT_EQ(tree.build(), (Outcome{modules + "artifacts and build constants unchanged\n", "", 0}));
   EXPECT_EQ(fs::last_write_time(tree.root / "artifacts/evidence.json"), writtenAt);
+}
+
+// While one build holds the repository, another waits, says so, and then builds.
+TEST(RavoOrxPolicy, ASecondBuildWaitsForTheFirst) {
+  const BuildTree tree;
+  const int held = ::open((tree.root / kConstantsHeader).c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_EQ(::flock(held, LOCK_EX), 0);
+  auto second = std::async(std::launch::async, [&] { return tree.build(); });
+  EXPECT_EQ(second.wait_for(std::chrono::milliseconds(1500)), std::future_status::timeout);
+  EXPECT_FALSE(fs::exists(tree.root / "artifacts"));
+  ::close(held);
+  const Outcome outcome = second.get();
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.err, "ravo-orx policy build: waiting for another policy build in this repository\n");
+  EXPECT_TRUE(fs::exists(tree.root / "artifacts/evidence.json"));
 }
 
 TEST(RavoOrxPolicy, BuildWritesNothingWhenACheckFails) {
