@@ -27,71 +27,44 @@ OrxPolicyRuntime& cppRuntime() {
   return runtime;
 }
 
-void BM_Authorize_Cpp(benchmark::State& state) {
+template <auto decide, class Facts>
+void cppDecisions(benchmark::State& state, Facts facts) {
   auto& runtime = cppRuntime();
-  AuthorizationFacts facts{2, 6, 63, 1000, 900000, 0, 600, 1};
   for (auto _ : state) {
     benchmark::DoNotOptimize(facts);
-    benchmark::DoNotOptimize(runtime.authorizeWithSource(facts));
+    benchmark::DoNotOptimize((runtime.*decide)(facts));
   }
 }
 
-void BM_Authorize_CApi(benchmark::State& state) {
+template <class Decision, auto decide, class Facts>
+void cDecisions(benchmark::State& state, Facts facts) {
   orx_runtime* runtime = cRuntime();
-  orx_authorization_facts facts{2, 6, 63, 1000, 900000, 0, 600, 1};
-  orx_authorization_decision decision;
+  Decision decision;
   for (auto _ : state) {
     benchmark::DoNotOptimize(facts);
-    orx_authorize(runtime, &facts, &decision);
+    decide(runtime, &facts, &decision);
     benchmark::DoNotOptimize(decision);
   }
 }
 
-void BM_Sync_Cpp(benchmark::State& state) {
-  auto& runtime = cppRuntime();
-  SyncFacts facts{501, 20, 5, 10000, 100, 0, 500, 50};
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(facts);
-    benchmark::DoNotOptimize(runtime.correctSyncWithSource(facts));
-  }
-}
-
-void BM_Sync_CApi(benchmark::State& state) {
-  orx_runtime* runtime = cRuntime();
-  orx_sync_facts facts{501, 20, 5, 10000, 100, 0, 500, 50};
-  orx_sync_decision decision;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(facts);
-    orx_correct_sync(runtime, &facts, &decision);
-    benchmark::DoNotOptimize(decision);
-  }
-}
-
-void BM_Cinema_Cpp(benchmark::State& state) {
-  auto& runtime = cppRuntime();
-  CinemaAdmissionFacts facts{2400, 6000, 500, 50, 0, 0, 20, 30, 40, 10, 10, 50, 8};
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(facts);
-    benchmark::DoNotOptimize(runtime.decideCinemaAdmissionWithSource(facts));
-  }
-}
-
-void BM_Cinema_CApi(benchmark::State& state) {
-  orx_runtime* runtime = cRuntime();
-  orx_cinema_admission_facts facts{2400, 6000, 500, 50, 0, 0, 20, 30, 40, 10, 10, 50, 8};
-  orx_cinema_admission_decision decision;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(facts);
-    orx_decide_cinema_admission(runtime, &facts, &decision);
-    benchmark::DoNotOptimize(decision);
-  }
-}
-
-BENCHMARK(BM_Authorize_Cpp);
-BENCHMARK(BM_Authorize_CApi);
-BENCHMARK(BM_Sync_Cpp);
-BENCHMARK(BM_Sync_CApi);
-BENCHMARK(BM_Cinema_Cpp);
-BENCHMARK(BM_Cinema_CApi);
+// Registered by name: the benchmark macros take no template arguments.
+const bool registered = [] {
+  using benchmark::RegisterBenchmark;
+  RegisterBenchmark("BM_Authorize_Cpp", cppDecisions<&OrxPolicyRuntime::authorizeWithSource, AuthorizationFacts>,
+                    AuthorizationFacts{2, 6, 63, 1000, 900000, 0, 600, 1});
+  RegisterBenchmark("BM_Authorize_CApi", cDecisions<orx_authorization_decision, orx_authorize, orx_authorization_facts>,
+                    orx_authorization_facts{2, 6, 63, 1000, 900000, 0, 600, 1});
+  RegisterBenchmark("BM_Sync_Cpp", cppDecisions<&OrxPolicyRuntime::correctSyncWithSource, SyncFacts>,
+                    SyncFacts{501, 20, 5, 10000, 100, 0, 500, 50});
+  RegisterBenchmark("BM_Sync_CApi", cDecisions<orx_sync_decision, orx_correct_sync, orx_sync_facts>,
+                    orx_sync_facts{501, 20, 5, 10000, 100, 0, 500, 50});
+  RegisterBenchmark("BM_Cinema_Cpp",
+                    cppDecisions<&OrxPolicyRuntime::decideCinemaAdmissionWithSource, CinemaAdmissionFacts>,
+                    CinemaAdmissionFacts{2400, 6000, 500, 50, 0, 0, 20, 30, 40, 10, 10, 50, 8});
+  RegisterBenchmark("BM_Cinema_CApi",
+                    cDecisions<orx_cinema_admission_decision, orx_decide_cinema_admission, orx_cinema_admission_facts>,
+                    orx_cinema_admission_facts{2400, 6000, 500, 50, 0, 0, 20, 30, 40, 10, 10, 50, 8});
+  return true;
+}();
 
 }  // namespace

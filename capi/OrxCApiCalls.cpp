@@ -3,6 +3,7 @@
 #include <cstring>
 #include <exception>
 #include <new>
+#include <string>
 
 #include <ravo-orx/core/ORXError.h>
 

@@ -3,7 +3,6 @@
 // last-error text, and text results are copied out the snprintf way.
 
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 #include <ravo-orx/orx.h>
@@ -13,16 +12,14 @@ namespace ravo::orx::internal {
 // Remembers `message` as the calling thread's last error and returns `status`.
 orx_status orxCFailure(orx_status status, std::string_view message) noexcept;
 
-// Runs `body` (which returns an orx_status); an exception becomes ORX_STATUS_INVALID_INPUT (the core's
-// refusals), ORX_STATUS_OUT_OF_MEMORY or ORX_STATUS_INTERNAL_ERROR with its text.
-template <class Body>
-orx_status orxCCall(Body&& body) noexcept;
-
 // Copies `text` into a caller's buffer as the header describes.
 orx_status orxCCopyText(std::string_view text, char* buffer, std::size_t capacity, std::size_t* length) noexcept;
 
+// The status and last-error text of the exception being handled: ORX_STATUS_INVALID_INPUT for the
+// core's refusals, ORX_STATUS_OUT_OF_MEMORY, or ORX_STATUS_INTERNAL_ERROR.
 orx_status orxCCurrentException() noexcept;
 
+// Runs `body` (which returns an orx_status); an exception becomes orxCCurrentException()'s status.
 template <class Body>
 orx_status orxCCall(Body&& body) noexcept {
   try {

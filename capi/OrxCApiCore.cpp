@@ -34,15 +34,16 @@ extern "C" {
 orx_status orx_canonicalize_json(const char* json, size_t json_length, char* buffer, size_t capacity,
                                  size_t* length) {
   if (isMissing(json, json_length)) return orxCFailure(ORX_STATUS_NULL_ARGUMENT, "json is NULL");
-  return orxCCall(
-      [&]() -> orx_status { return orxCCopyText(ORXCanonicalJSON::canonicalize(textOf(json, json_length)), buffer, capacity, length); });
+  return orxCCall([&] {
+    return orxCCopyText(ORXCanonicalJSON::canonicalize(textOf(json, json_length)), buffer, capacity, length);
+  });
 }
 
 orx_status orx_domain_digest(const char* tag, const char* json, size_t json_length, char digest[ORX_DIGEST_TEXT_SIZE]) {
   if (!tag || !digest || isMissing(json, json_length)) {
     return orxCFailure(ORX_STATUS_NULL_ARGUMENT, "tag, json or digest is NULL");
   }
-  return orxCCall([&]() -> orx_status {
+  return orxCCall([&] {
     const std::string text = ORXDigest::domain(tag, ORXCanonicalJSON::parse(textOf(json, json_length))).value();
     static_assert(ORX_DIGEST_TEXT_SIZE == sizeof("sha256:") - 1 + 64 + 1);
     std::memcpy(digest, text.c_str(), ORX_DIGEST_TEXT_SIZE);
@@ -52,7 +53,7 @@ orx_status orx_domain_digest(const char* tag, const char* json, size_t json_leng
 
 orx_status orx_check_decision_evidence(const char* bytes, size_t length) {
   if (isMissing(bytes, length)) return orxCFailure(ORX_STATUS_NULL_ARGUMENT, "bytes is NULL");
-  return orxCCall([&]() -> orx_status {
+  return orxCCall([&] {
     ORXDecisionEvidenceRecord::parseCanonicalBytes(textOf(bytes, length));
     return ORX_OK;
   });

@@ -115,7 +115,9 @@ orx_status orx_runtime_load_error(const orx_runtime* runtime, char* buffer, size
 
 orx_status orx_runtime_status(const orx_runtime* runtime, char* buffer, size_t capacity, size_t* length) {
   if (!runtime) return orxCFailure(ORX_STATUS_NULL_ARGUMENT, "runtime is NULL");
-  return orxCCall([&]() -> orx_status { return orxCCopyText(runtime->runtime.statusDescription(), buffer, capacity, length); });
+  return orxCCall([&] {
+    return orxCCopyText(runtime->runtime.statusDescription(), buffer, capacity, length);
+  });
 }
 
 int32_t orx_runtime_is_available(const orx_runtime* runtime, orx_decision_kind kind) {

@@ -81,8 +81,9 @@ def _bind_c_struct(cls):
     """Gives a facts or decision class its C struct (its fields in order, each an int32_t), a getter of
     all its fields at once and their types. Worked out once: a decision pays only for the getters."""
     fields = dataclasses.fields(cls)
-    cls._C = type(f"c_{cls.__name__}", (ctypes.Structure,), {"_fields_": [(f.name, c_int32) for f in fields]})
-    cls._values = operator.attrgetter(*(f.name for f in fields))
+    cls._names = tuple(f.name for f in fields)
+    cls._C = type(f"c_{cls.__name__}", (ctypes.Structure,), {"_fields_": [(name, c_int32) for name in cls._names]})
+    cls._values = operator.attrgetter(*cls._names)
     cls._types = tuple(f.type for f in fields)
 
 
@@ -102,12 +103,11 @@ class DecisionKind(enum.IntEnum):
 class _Facts:
     # Checked here so a fact can never wrap silently on its way into an int32_t.
     def __post_init__(self):
-        for field in dataclasses.fields(self):
-            value = getattr(self, field.name)
+        for name, value in zip(self._names, self._values(self)):
             if isinstance(value, bool) or not isinstance(value, int):
-                raise TypeError(f"{type(self).__name__}.{field.name} must be an int, not {type(value).__name__}")
+                raise TypeError(f"{type(self).__name__}.{name} must be an int, not {type(value).__name__}")
             if value not in _INT32:
-                raise ValueError(f"{type(self).__name__}.{field.name}={value} is outside the 32-bit signed range")
+                raise ValueError(f"{type(self).__name__}.{name}={value} is outside the 32-bit signed range")
 
     def _to_c(self):
         return self._C(*self._values(self))
