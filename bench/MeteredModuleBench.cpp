@@ -19,7 +19,7 @@ namespace {
 
 OrxModuleInstance& interpreted() {
   static const auto module = [] {
-    const auto bytes = readArtifactFile(std::string(ORX_METERED_TEST_MODULES) + "/metered_loop.source.wasm");
+    const auto bytes = readArtifactFile(std::string(ORX_METERED_TEST_MODULES) + "/metered_loop.wasm");
     OrxInstantiationFailure failure;
     auto instance = instantiateInterpretedModule(bytes.data(), bytes.size(), failure);
     if (!instance) throw std::runtime_error("metered_loop does not instantiate: " + failure.detail);

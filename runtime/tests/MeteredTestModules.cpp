@@ -7,7 +7,12 @@
 #include "metered_bulk.h"
 #include "metered_loop.h"
 #include "metered_recursion.h"
+#include "unmetered_loop.h"
 #include <ravo-orx/engine/PrecompiledModule.h>
+
+#include "metered_bulk_budgets.h"
+#include "metered_loop_budgets.h"
+#include "metered_recursion_budgets.h"
 
 namespace ravo::orx {
 
@@ -23,16 +28,14 @@ PrecompiledTestModule bind() {
 }
 
 using Loop = PrecompiledModule<Z_metered_loop_instance_t, Z_metered_loop_instantiate, Z_metered_loop_free,
-                               Z_metered_loopZ_decide,
-                               Metered<Z_metered_loopZ_orxZ3Afuel, Z_metered_loopZ_orxZ3Astack>>;
+                               Z_metered_loopZ_decide, metered_loop_budgets>;
 using Recursion =
     PrecompiledModule<Z_metered_recursion_instance_t, Z_metered_recursion_instantiate, Z_metered_recursion_free,
-                      Z_metered_recursionZ_decide,
-                      Metered<Z_metered_recursionZ_orxZ3Afuel, Z_metered_recursionZ_orxZ3Astack,
-                              Z_metered_recursionZ_orxZ3Astart>>;
+                      Z_metered_recursionZ_decide, metered_recursion_budgets>;
 using Bulk = PrecompiledModule<Z_metered_bulk_instance_t, Z_metered_bulk_instantiate, Z_metered_bulk_free,
-                               Z_metered_bulkZ_decide,
-                               Metered<Z_metered_bulkZ_orxZ3Afuel, Z_metered_bulkZ_orxZ3Astack>>;
+                               Z_metered_bulkZ_decide, metered_bulk_budgets>;
+using UnmeteredLoop = PrecompiledModule<Z_unmetered_loop_instance_t, Z_unmetered_loop_instantiate,
+                                        Z_unmetered_loop_free, Z_unmetered_loopZ_decide>;
 
 }  // namespace
 
@@ -42,12 +45,14 @@ PrecompiledTestModule precompiledTestModule(std::string_view name) {
     Z_metered_loop_init_module();
     Z_metered_recursion_init_module();
     Z_metered_bulk_init_module();
+    Z_unmetered_loop_init_module();
     return true;
   }();
   (void)initialized;
   if (name == "metered_loop") return bind<Loop>();
   if (name == "metered_recursion") return bind<Recursion>();
   if (name == "metered_bulk") return bind<Bulk>();
+  if (name == "unmetered_loop") return bind<UnmeteredLoop>();
   throw std::invalid_argument("no metered test module " + std::string(name));
 }
 

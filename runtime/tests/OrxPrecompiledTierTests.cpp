@@ -99,7 +99,7 @@ TEST(OrxPrecompiledTier, AgreesWithTheInterpreterOnMeteredModules) {
   for (const char* name : {"metered_loop", "metered_recursion", "metered_bulk"}) {
     auto native = precompiledTestModule(name);
     ASSERT_EQ(native.startError, std::nullopt) << name;
-    const auto source = readTestFile(std::filesystem::path(ORX_METERED_TEST_MODULES) / name += ".source.wasm");
+    const auto source = readTestFile(std::filesystem::path(ORX_METERED_TEST_MODULES) / name += ".wasm");
     tiers[name] = {std::move(native.instance), loadModule(name, source, /*allowPrecompiled=*/false)};
   }
   for (const auto& call : calls) {
