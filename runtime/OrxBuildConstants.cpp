@@ -6,12 +6,12 @@
 namespace ravo::orx::internal {
 
 const std::string& OrxBuildConstants::compilerIdentity() {
-  static const std::string value = "ORX 1.0.32 commit 665f097bb6fcc0427395e48d23ef00c3ca83a4bf";
+  static const std::string value = "ORX 1.0.32 commit 74d637eb31f0f688cfeff424647d6251870696b2";
   return value;
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "bd2e3bc20378acd02d3b8be6d547589be878b4f7149b472dfc30d0ff6f6f509a";
+  static const std::string value = "ad18b7cd828501fb71c9a96cc2b93d967e3b40efe2d42170d50ec4749d206d96";
   return value;
 }
 

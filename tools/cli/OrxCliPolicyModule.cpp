@@ -6,12 +6,19 @@
 #include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/cli/OrxCliDecisions.h>
 #include <ravo-orx/cli/OrxCliIO.h>
+#include <ravo-orx/package_check/OrxPolicyCompilers.h>
 
 namespace ravo::orx {
 
 using namespace internal;
 
 OrxCliPolicyModule OrxCliPolicyModule::read(const std::string& file) {
+  // A source of record is compiled as `policy build` compiles it, so an author runs what they edit.
+  if (const auto language = orxPolicyLanguageOf(file)) {
+    auto bytes = OrxPolicyCompilers::find().compile({file, *language});
+    std::string digest = ORXSHA256::hex(bytes);
+    return {file, std::move(bytes), std::move(digest)};
+  }
   const std::string text = orxCliReadInput(file);
   std::vector<std::uint8_t> bytes(text.begin(), text.end());
   std::string digest = ORXSHA256::hex(bytes);

@@ -42,20 +42,29 @@ class RepositoryBuildLock {
   int descriptor_;
 };
 
+// Which files would change, said without writing them.
+std::vector<fs::path> changedFiles(const std::vector<OrxBuiltFile>& files) {
+  std::vector<fs::path> changed;
+  for (const auto& file : files) {
+    if (!fileHasBytes(file.path, file.bytes)) changed.push_back(file.path);
+  }
+  return changed;
+}
+
 int runBuild(OrxCliArguments& arguments) {
   const OrxArtifactBuildPaths paths{arguments.option("--policies").value_or("policies"),
-                                    arguments.option("--artifacts").value_or("artifacts"), kConstantsSource};
+                                    arguments.option("--artifacts").value_or("artifacts"), kConstantsSource, "."};
+  const bool check = arguments.flag("--check") || arguments.flag("--dry-run");
   arguments.finish();
   if (!fs::exists(kConstantsHeader) || !fs::is_directory("tools/package_check")) {
     throw std::runtime_error("ravo-orx policy build runs from the repository root (no " + kConstantsHeader.string() +
                              " and tools/package_check/ here)");
   }
   const RepositoryBuildLock lock;
-  const auto assembler = OrxWatAssembler::find();
-  const auto toolchain = OrxToolchainIdentity::of(assembler, ".");
-  const auto build = buildOrxArtifacts(paths, assembler, toolchain);
+  auto compilers = OrxPolicyCompilers::find();
+  const auto build = buildOrxArtifacts(paths, compilers);
   if (!build.failures.empty()) {
-    for (const auto& failure : build.failures) std::fprintf(stderr, "%s\n", failure.c_str());
+    for (const auto& failure : build.failures) std::fprintf(stderr, "ravo-orx policy build: %s\n", failure.c_str());
     std::fprintf(stderr, "ravo-orx policy build: the package check failed; nothing was written\n");
     return kOrxCliRefusedInput;
   }
@@ -63,6 +72,14 @@ int runBuild(OrxCliArguments& arguments) {
     std::string line = module.module;
     line.resize(18, ' ');
     orxCliPrint(line + "pass  wasm " + module.wasm.substr(0, 8));
+  }
+  orxCliPrint("compiler   " + build.toolchain.compilerIdentity);
+  if (check) {
+    const auto changed = changedFiles(build.files);
+    for (const auto& path : changed) orxCliPrint("would write " + path.string());
+    orxCliPrint(changed.empty() ? "artifacts and build constants are up to date; nothing written (--check)"
+                                : "nothing written (--check)");
+    return changed.empty() ? 0 : kOrxCliRefusedInput;
   }
   const auto written = writeChangedFiles(build.files);
   for (const auto& path : written) orxCliPrint("wrote " + path.string());
@@ -74,14 +91,18 @@ int runBuild(OrxCliArguments& arguments) {
 }  // namespace
 
 constinit const OrxCliCommand kOrxCliPolicyBuildCommand{
-    "build", "[--policies DIR] [--artifacts DIR]", "build the artifacts and the constants that approve them",
-    "Run from the repository root. Assembles policies/<module>.wat of the three modules with wat2wasm,\n"
-    "runs the package check on each (the runtime's module host and budgets, the manifest's contract\n"
+    "build", "[--check|--dry-run] [--policies DIR] [--artifacts DIR]",
+    "build the artifacts and the constants that approve them",
+    "Run from the repository root. Compiles the source of record of each of the three modules\n"
+    "(policies/<module>.wat with wat2wasm, .c with clang and wasm-ld, .rs with rustc), runs the\n"
+    "package check on each (the runtime's module host and budgets, the manifest's contract\n"
     "and every case) and, only when every module passes, writes the artifacts (<module>.wasm,\n"
     "<module>.package-check.json, evidence.json) and runtime/OrxBuildConstants.cpp, so that the next\n"
     "build of the project approves exactly those artifacts. Only files whose bytes change are written:\n"
     "rebuilding unchanged policies leaves every file as it was. When anything fails it writes nothing\n"
     "and exits with status 1. A second build in the same repository waits for the first to end.\n"
+    "--check (or --dry-run) does everything but write: it lists the files a build would write and\n"
+    "exits with status 0 when there are none, 1 when the artifacts are out of date.\n"
     "tools/README.md defines the compiler identity and toolchain digest.\n",
     runBuild};
 

@@ -8,7 +8,7 @@
 #include <ravo-orx/cli/OrxCliCommand.h>
 #include <ravo-orx/cli/OrxCliIO.h>
 #include <ravo-orx/package_check/OrxPolicyCases.h>
-#include <ravo-orx/package_check/OrxWatAssembler.h>
+#include <ravo-orx/package_check/OrxPolicyCompilers.h>
 
 namespace ravo::orx {
 
@@ -35,14 +35,13 @@ std::vector<fs::path> manifestsIn(const fs::path& directory) {
   return manifests;
 }
 
-// The module assembled from its source beside the manifest, or the .wasm beside it. The assembler is
-// found (which runs it once for its version) when a run first needs it, and kept for the run.
+// The module compiled from its source beside the manifest, or the .wasm beside it. The compilers are
+// found (which runs the assembler once for its version) when a run first needs them, and kept for the run.
 std::vector<std::uint8_t> moduleBytes(const fs::path& directory, const std::string& module,
-                                      std::optional<OrxWatAssembler>& assembler) {
-  const fs::path source = directory / (module + ".wat");
-  if (fs::exists(source)) {
-    if (!assembler) assembler = OrxWatAssembler::find();
-    return assembler->assemble(source);
+                                      std::optional<OrxPolicyCompilers>& compilers) {
+  if (const auto source = findOrxPolicySource(directory, module)) {
+    if (!compilers) compilers = OrxPolicyCompilers::find();
+    return compilers->compile(*source);
   }
   return readArtifactFile(directory / orxModuleFileName(module));
 }
@@ -61,14 +60,14 @@ std::string coverage(const OrxDecisionKind& kind, const std::vector<OrxPolicyCas
 }
 
 void testModule(const fs::path& manifestFile, bool verbose, bool reportCoverage,
-                std::optional<OrxWatAssembler>& assembler, Tally& tally) {
+                std::optional<OrxPolicyCompilers>& compilers, Tally& tally) {
   const auto manifest = OrxPolicyManifest::decode(readArtifactFile(manifestFile), manifestFile.string());
   const OrxDecisionKind* kind = orxDecisionKindOfModule(manifest.module);
   const std::string module = manifest.module;
   std::vector<OrxPolicyCaseResult> results;
   try {
     if (!kind) throw std::runtime_error("no decision of this runtime is taken by module \"" + module + "\"");
-    results = runPolicyCases(moduleBytes(manifestFile.parent_path(), module, assembler), manifest, *kind);
+    results = runPolicyCases(moduleBytes(manifestFile.parent_path(), module, compilers), manifest, *kind);
   } catch (const std::exception& error) {
     // A module that cannot run fails every one of its cases, reported once.
     orxCliPrint("FAIL " + module + ": " + error.what());
@@ -94,8 +93,8 @@ int runTest(OrxCliArguments& arguments) {
   const fs::path directory = arguments.nextIfAny().value_or("policies");
   arguments.finish();
   Tally tally;
-  std::optional<OrxWatAssembler> assembler;
-  for (const auto& manifest : manifestsIn(directory)) testModule(manifest, verbose, reportCoverage, assembler, tally);
+  std::optional<OrxPolicyCompilers> compilers;
+  for (const auto& manifest : manifestsIn(directory)) testModule(manifest, verbose, reportCoverage, compilers, tally);
   orxCliPrint(std::to_string(tally.passed) + " passed, " + std::to_string(tally.failed) + " failed");
   return tally.failed == 0 ? 0 : kOrxCliRefusedInput;
 }

@@ -23,26 +23,40 @@ using Json = nlohmann::ordered_json;
 
 std::string text(const std::vector<std::uint8_t>& bytes) { return {bytes.begin(), bytes.end()}; }
 
-std::optional<std::string> existingBytes(const fs::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  if (!stream) return std::nullopt;
-  return std::string(std::istreambuf_iterator<char>(stream), {});
-}
-
 }  // namespace
 
-OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, const OrxWatAssembler& assembler,
-                                   const OrxToolchainIdentity& toolchain) {
+bool fileHasBytes(const fs::path& path, const std::string& bytes) {
+  std::ifstream stream(path, std::ios::binary);
+  return stream && std::string(std::istreambuf_iterator<char>(stream), {}) == bytes;
+}
+
+OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, OrxPolicyCompilers& compilers) {
+  struct Compiled {
+    std::string module;
+    std::vector<std::uint8_t> source, manifest, wasm;
+  };
   OrxArtifactBuild build;
-  std::vector<OrxBuiltFile> files;
-  Json records = Json::array();
+  std::vector<Compiled> compiled;
   for (const auto& kind : kOrxDecisionKinds) {
     const std::string module(kind.module);
     try {
-      const auto source = readArtifactFile(paths.policies / (module + ".wat"));
-      const auto manifest = readArtifactFile(paths.policies / (module + ".manifest.json"));
-      const auto wasm = assembler.assemble(paths.policies / (module + ".wat"));
-      auto check = checkPolicyPackage(module, source, manifest, wasm, toolchain.compilerIdentity);
+      const auto source = findOrxPolicySource(paths.policies, module);
+      if (!source) throw std::runtime_error("no source in " + paths.policies.string() + " (" + module + ".wat, .c or .rs)");
+      compiled.push_back({module, readArtifactFile(source->path),
+                          readArtifactFile(paths.policies / (module + ".manifest.json")), compilers.compile(*source)});
+    } catch (const std::exception& error) {
+      build.failures.push_back(module + ": " + error.what());
+    }
+  }
+  if (!build.failures.empty()) return build;
+
+  // The identity names the compilers every module was compiled with, so it is known only now.
+  build.toolchain = OrxToolchainIdentity::of(compilers, paths.repositoryRoot);
+  std::vector<OrxBuiltFile> files;
+  Json records = Json::array();
+  for (auto& [module, source, manifest, wasm] : compiled) {
+    try {
+      auto check = checkPolicyPackage(module, source, manifest, wasm, build.toolchain.compilerIdentity);
       for (const auto& failure : check.failures) build.failures.push_back(module + ": " + failure);
       build.modules.push_back({module, ORXSHA256::hex(wasm), ORXSHA256::hex(source), ORXSHA256::hex(manifest)});
       records.push_back(std::move(check.evidence));
@@ -54,6 +68,7 @@ OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, const Orx
   }
   if (!build.failures.empty()) return build;
 
+  const auto& toolchain = build.toolchain;
   const Json evidence = {{"generatedBy", kOrxEvidenceGeneratedBy},
                          {"profile", kOrxEvidenceProfile},
                          {"compilerIdentity", toolchain.compilerIdentity},
@@ -68,7 +83,7 @@ OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, const Orx
 std::vector<fs::path> writeChangedFiles(const std::vector<OrxBuiltFile>& files) {
   std::vector<fs::path> written;
   for (const auto& [path, bytes] : files) {
-    if (existingBytes(path) == bytes) continue;
+    if (fileHasBytes(path, bytes)) continue;
     const fs::path temporary = path.string() + ".partial";
     std::error_code error;
     fs::create_directories(path.parent_path().empty() ? "." : path.parent_path(), error);

@@ -9,6 +9,9 @@
 #include <future>
 #include <regex>
 
+#include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/runtime/OrxBuildConstants.h>
+
 #include "runtime/tests/WatAssembler.h"
 #include "tools/cli/tests/OrxCliToolRunner.h"
 
@@ -112,8 +115,9 @@ TEST(RavoOrxPolicy, Test) {
       {{"policy", "test", binary.string(), "--coverage"}, "",
        printed("coverage cinema_admission: its cases produce every reason\n24 passed, 0 failed")},
       {{"policy", "test", broken.string()}, "",
-       {"FAIL sync_correction: " + broken.string() + "/sync_correction.wat:1:21: error: unexpected token EOF, "
-        "expected ).\n0 passed, 3 failed\n", "", 1}},
+       {"FAIL sync_correction: " + broken.string() + "/sync_correction.wat: " + broken.string() +
+        "/sync_correction.wat:1:21: error: unexpected token EOF, expected ).\n(module (func $oops)\n"
+        "                    ^\n0 passed, 3 failed\n", "", 1}},
       {{"policy", "test", unnamed.string()}, "",
        {"FAIL sync_correction: manifest facts differ from the runtime's sync_correction facts: [driftMilliseconds, "
         "roundTripMilliseconds, jitterMilliseconds, bufferAheadMilliseconds, rateX100, stallCount, "
@@ -244,7 +248,7 @@ TEST(RavoOrxPolicy, BuildReproducesTheCommittedArtifactsAndConstants) {
   for (const auto& file : kBuiltFiles) wrote += "wrote " + file + "\n";
   const std::string modules =
       "player_authz      pass  wasm c3ea776c\nsync_correction   pass  wasm 7155bd93\n"
-      "cinema_admission  pass  wasm 92624572\n";
+      "cinema_admission  pass  wasm 92624572\ncompiler   " + internal::OrxBuildConstants::compilerIdentity() + "\n";
   ASSERT_EQ(tree.build(), (Outcome{modules + wrote + "rebuild the project to approve the new artifacts\n", "", 0}));
   // The same sources and toolchain give exactly the committed bytes: the committed artifacts and
   // constants are current, and the build is deterministic.
@@ -278,10 +282,10 @@ TEST(RavoOrxPolicy, BuildWritesNothingWhenACheckFails) {
   const auto outcome = tree.build();
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out, "");
-  EXPECT_TRUE(outcome.err.starts_with("player_authz: controller main-screen command is allowed: expected "
+  EXPECT_TRUE(outcome.err.starts_with("ravo-orx policy build: player_authz: controller main-screen command is allowed: expected "
                                       "[5201, 1, 6, 0, 3], emitted [5201, 1, 6, 0, 4]\n"))
       << outcome.err;
-  EXPECT_TRUE(outcome.err.ends_with("cinema_admission: the runtime admits orxAbi 0.10 and hostAbi 0.11\n"
+  EXPECT_TRUE(outcome.err.ends_with("ravo-orx policy build: cinema_admission: the runtime admits orxAbi 0.10 and hostAbi 0.11\n"
                                     "ravo-orx policy build: the package check failed; nothing was written\n"))
       << outcome.err;
   EXPECT_FALSE(fs::exists(tree.root / "artifacts"));
@@ -293,6 +297,90 @@ TEST(RavoOrxPolicy, BuildWritesNothingWhenACheckFails) {
                            " and tools/package_check/ here)")},
                   {{"policy", "build", "extra"}, "", misused("policy build", "unexpected argument \"extra\"")}},
                  elsewhere.path);
+}
+
+// The allow-list example in each language stands in for the bundled authorization policy: the build
+// compiles it, approves it under an identity naming the compilers used, and is byte-identical twice.
+TEST(RavoOrxPolicy, BuildCompilesEverySourceLanguage) {
+  struct Row {
+    const char* example;
+    const char* execution;  // the module's execution bound, as `policy check` says it
+    bool otherCompilers;    // compilers beyond the bundled policies' assembler
+  };
+  for (const Row& row : {Row{"c/player_authz.c", "metered (it contains a loop)", true},
+                         Row{"rust/player_authz.rs", "statically bounded", true},
+                         Row{"wat/player_authz.wat", "metered (it contains a loop)", false}}) {
+    SCOPED_TRACE(row.example);
+    const BuildTree tree;
+    const fs::path source = kRoot / "examples/policies" / row.example;
+    fs::remove(tree.root / "policies/player_authz.wat");
+    fs::copy(source, tree.root / "policies" / source.filename());
+    const auto check = run({"policy", "build", "--check"}, "", tree.root);
+    EXPECT_EQ(check.status, 1) << check;
+    EXPECT_NE(check.out.find("would write artifacts/player_authz.wasm\n"), std::string::npos) << check;
+    EXPECT_FALSE(fs::exists(tree.root / "artifacts"));
+
+    const auto built = tree.build();
+    ASSERT_EQ(built.status, 0) << built;
+    const auto from = built.out.find("compiler   ") + 11;
+    const std::string identity = built.out.substr(from, built.out.find('\n', from) - from);
+    EXPECT_TRUE(std::regex_match(identity, std::regex("ORX [0-9]+\\.[0-9]+\\.[0-9]+ commit [0-9a-f]{40}"))) << identity;
+    EXPECT_EQ(identity != internal::OrxBuildConstants::compilerIdentity(), row.otherCompilers) << identity;
+    EXPECT_NE(fileText(tree.root / "artifacts/evidence.json").find(ORXSHA256::hex(fileText(source))), std::string::npos);
+    const std::string module = fileText(tree.root / "artifacts/player_authz.wasm");
+    EXPECT_EQ(tree.build().out.find("wrote"), std::string::npos) << "a second build writes nothing";
+    EXPECT_EQ(fileText(tree.root / "artifacts/player_authz.wasm"), module);
+    EXPECT_EQ(run({"policy", "build", "--dry-run"}, "", tree.root).status, 0) << "up to date";
+    EXPECT_NE(run({"policy", "check", "artifacts/player_authz.wasm"}, "", tree.root).out.find(row.execution),
+              std::string::npos);
+  }
+}
+
+// A module has one source of record; a compiler's refusal reaches the author whole.
+TEST(RavoOrxPolicy, BuildRefusesAmbiguousOrBrokenSources) {
+  const BuildTree tree;
+  fs::copy(kRoot / "examples/policies/c/player_authz.c", tree.root / "policies/player_authz.c");
+  EXPECT_EQ(tree.build(), refused("ravo-orx policy build: player_authz: more than one source in policies: a module has "
+                                  "exactly one of player_authz.wat, player_authz.c and player_authz.rs\n"
+                                  "ravo-orx policy build: the package check failed; nothing was written"));
+  fs::remove(tree.root / "policies/player_authz.wat");
+  writeFile(tree.root / "policies/player_authz.c", "#include <orx_policy.h>\nORX_DECIDE_AUTHZ { return role +; }\n");
+  const auto broken = tree.build();
+  EXPECT_EQ(broken.status, 1);
+  EXPECT_NE(broken.err.find("policies/player_authz.c:2:33: error: expected expression\n"
+                            "ORX_DECIDE_AUTHZ { return role +; }\n"),
+            std::string::npos)
+      << broken;
+  EXPECT_FALSE(fs::exists(tree.root / "artifacts"));
+}
+
+// A rustc without the wasm32 standard library (a toolchain manager's, first on PATH) is passed over for
+// one that has it; with none, the author is told what is missing.
+TEST(RavoOrxPolicy, RustPoliciesNeedARustcWithTheWasmTarget) {
+  const BuildTree tree;
+  fs::remove(tree.root / "policies/player_authz.wat");
+  fs::copy(kRoot / "examples/policies/rust/player_authz.rs", tree.root / "policies/player_authz.rs");
+  const fs::path managed = tree.root / "managed-bin", system = tree.root / "system-bin";
+  fs::create_directories(managed);
+  fs::create_directories(system);
+  writeFile(managed / "rustc", "#!/bin/sh\necho " + (tree.root / "managed-sysroot").string() + "\n");
+  fs::permissions(managed / "rustc", fs::perms::owner_all);
+  for (const char* tool : {"wat2wasm", "wasm-ld"}) fs::create_symlink(fs::path("/usr/bin") / tool, system / tool);
+  const std::string path = std::getenv("PATH");
+  const auto withPath = [&](const std::string& value) {
+    ::setenv("PATH", value.c_str(), 1);
+    auto outcome = tree.build();
+    ::setenv("PATH", path.c_str(), 1);
+    return outcome;
+  };
+  const auto missing = withPath(managed.string() + ":" + system.string());
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_NE(missing.err.find("no rustc on PATH has the wasm32-unknown-unknown standard library (tried " +
+                             (managed / "rustc").string() + "); install Debian's rustc and libstd-rust-dev-wasm32"),
+            std::string::npos)
+      << missing;
+  const auto found = withPath(managed.string() + ":" + path);
+  EXPECT_EQ(found.status, 0) << found;
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #pragma once
-// The artifact build: assembles the three policy modules from their sources, runs the package check on
-// each, and prepares the artifacts ("<module>.wasm", "<module>.package-check.json", "evidence.json")
+// The artifact build: compiles the three policy modules from their sources of record, runs the package
+// check on each, and prepares the artifacts ("<module>.wasm", "<module>.package-check.json", "evidence.json")
 // and the build constants source that approves them. Nothing is written unless every module passed,
 // and then only the files whose bytes changed, each through a temporary file renamed over it, so a
 // rebuild of unchanged policies touches nothing.
@@ -10,7 +10,8 @@
 #include <vector>
 
 #include <ravo-orx/package_check/OrxBuildConstantsSource.h>
-#include <ravo-orx/package_check/OrxWatAssembler.h>
+#include <ravo-orx/package_check/OrxPolicyCompilers.h>
+#include <ravo-orx/package_check/OrxToolchainIdentity.h>
 
 namespace ravo::orx {
 
@@ -23,16 +24,20 @@ struct OrxArtifactBuild {
   std::vector<OrxModuleDigests> modules;  // in load order: player_authz, sync_correction, cinema_admission
   std::vector<std::string> failures;      // "<module>: <what failed>"
   std::vector<OrxBuiltFile> files;        // what the build would write; empty when anything failed
+  OrxToolchainIdentity toolchain;         // once every module compiled
 };
 
 struct OrxArtifactBuildPaths {
-  std::filesystem::path policies;        // "<module>.wat" and "<module>.manifest.json"
+  std::filesystem::path policies;        // "<module>.wat|.c|.rs" and "<module>.manifest.json"
   std::filesystem::path artifacts;
   std::filesystem::path constantsSource;  // runtime/OrxBuildConstants.cpp
+  std::filesystem::path repositoryRoot;   // for the toolchain digest's tools/package_check/
 };
 
-OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, const OrxWatAssembler& assembler,
-                                   const OrxToolchainIdentity& toolchain);
+OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, OrxPolicyCompilers& compilers);
+
+// Whether the file exists and holds exactly these bytes.
+bool fileHasBytes(const std::filesystem::path& path, const std::string& bytes);
 
 // Writes every file whose bytes differ from those on disk; returns the paths written. Throws
 // std::runtime_error naming the file that could not be written.
