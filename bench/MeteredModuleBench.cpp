@@ -1,6 +1,7 @@
 // Cost of metered code on each execution tier: one `decide` of the metered loop module summing 1..n,
 // for n = 0 (the call alone) and larger n; items per second are loop iterations per second, so the
-// cost of one metered iteration is the difference between two rows divided by n.
+// cost of one metered iteration is the difference between two rows divided by n. The reference is the
+// same module translated to native code as it is, without fuel: what metering costs natively.
 
 #include <benchmark/benchmark.h>
 
@@ -28,9 +29,10 @@ OrxModuleInstance& interpreted() {
   return *module;
 }
 
-OrxModuleInstance& native() {
-  static const auto module = precompiledTestModule("metered_loop");
-  return *module.instance;
+OrxModuleInstance& native(const char* name) {
+  static const auto metered = precompiledTestModule("metered_loop");
+  static const auto unmetered = precompiledTestModule("unmetered_loop");
+  return *(std::string_view(name) == "metered_loop" ? metered : unmetered).instance;
 }
 
 void run(benchmark::State& state, OrxModuleInstance& module) {
@@ -44,11 +46,13 @@ void run(benchmark::State& state, OrxModuleInstance& module) {
 }
 
 void BM_MeteredLoopInterpreted(benchmark::State& state) { run(state, interpreted()); }
-void BM_MeteredLoopPrecompiled(benchmark::State& state) { run(state, native()); }
+void BM_MeteredLoopPrecompiled(benchmark::State& state) { run(state, native("metered_loop")); }
+void BM_LoopNativeWithoutFuel(benchmark::State& state) { run(state, native("unmetered_loop")); }
 
 }  // namespace
 
 BENCHMARK(BM_MeteredLoopInterpreted)->Arg(0)->Arg(1'000)->Arg(40'000);
 BENCHMARK(BM_MeteredLoopPrecompiled)->Arg(0)->Arg(1'000)->Arg(40'000);
+BENCHMARK(BM_LoopNativeWithoutFuel)->Arg(0)->Arg(1'000)->Arg(40'000);
 
 }  // namespace ravo::orx
