@@ -333,6 +333,11 @@ TEST(RavoOrxPolicy, BuildCompilesEverySourceLanguage) {
     EXPECT_EQ(run({"policy", "build", "--dry-run"}, "", tree.root).status, 0) << "up to date";
     EXPECT_NE(run({"policy", "check", "artifacts/player_authz.wasm"}, "", tree.root).out.find(row.execution),
               std::string::npos);
+    // The tools take the source itself and compile it as the build does.
+    const auto evaluated = run({"policy", "eval", source.string(), "authz", "1", "6", "63", "1000", "900000", "0",
+                                "600", "1"}, "");
+    EXPECT_EQ(evaluated.out, "{\"isAllowed\":false,\"reason\":\"notController\",\"policyVersion\":3,\"source\":\"policy\"}\n")
+        << evaluated;
   }
 }
 
