@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "bd2e3bc20378acd02d3b8be6d547589be878b4f7149b472dfc30d0ff6f6f509a";
+  static const std::string value = "14ca97772914ead2c3dd5e0517e3a9f07a7703654a77a95c5d14f82d0c6c71e1";
   return value;
 }
 
