@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "14ca97772914ead2c3dd5e0517e3a9f07a7703654a77a95c5d14f82d0c6c71e1";
+  static const std::string value = "5fd32117f727dcfee5fb94983b1a88792f75ce637d1a533191b992a4a28d649e";
   return value;
 }
 

@@ -69,9 +69,10 @@ Outcome runProcess(std::vector<std::string> words) {
   return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), fileText(out), fileText(err)};
 }
 
-std::string firstLine(const std::string& text) {
-  std::string line = text.substr(0, text.find('\n'));
-  return line.empty() ? "refused without a message" : line;
+// The whole diagnostic: its first line names the place, the lines after it show the source there.
+std::string diagnostic(std::string text) {
+  while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+  return text.empty() ? "refused without a message" : text;
 }
 
 }  // namespace
@@ -83,7 +84,7 @@ OrxWatAssembler OrxWatAssembler::find() {
     const fs::path candidate = fs::path(directory.empty() ? "." : directory) / "wat2wasm";
     if (::access(candidate.c_str(), X_OK) != 0) continue;
     auto outcome = runProcess({candidate.string(), "--version"});
-    if (outcome.status != 0) throw std::runtime_error(candidate.string() + " --version: " + firstLine(outcome.err));
+    if (outcome.status != 0) throw std::runtime_error(candidate.string() + " --version: " + diagnostic(outcome.err));
     while (!outcome.out.empty() && (outcome.out.back() == '\n' || outcome.out.back() == '\r')) outcome.out.pop_back();
     return {fs::absolute(candidate), outcome.out};
   }
@@ -94,7 +95,7 @@ std::vector<std::uint8_t> OrxWatAssembler::assemble(const fs::path& source) cons
   const ScratchDirectory scratch;
   const auto module = scratch.path / "module.wasm";
   const auto outcome = runProcess({executable_.string(), source.string(), "-o", module.string()});
-  if (outcome.status != 0) throw std::runtime_error(firstLine(outcome.err));
+  if (outcome.status != 0) throw std::runtime_error(diagnostic(outcome.err));
   const std::string bytes = fileText(module);
   return {bytes.begin(), bytes.end()};
 }

@@ -18,8 +18,8 @@ class OrxWatAssembler {
   const std::filesystem::path& executable() const { return executable_; }
   const std::string& version() const { return version_; }  // "1.0.32"
 
-  // The module assembled from `source`. Throws std::runtime_error "<source>: <assembler's first error
-  // line>" when the assembler refuses it.
+  // The module assembled from `source`. Throws std::runtime_error with the assembler's whole
+  // diagnostic (its lines as it wrote them) when the assembler refuses it.
   std::vector<std::uint8_t> assemble(const std::filesystem::path& source) const;
 
  private:
