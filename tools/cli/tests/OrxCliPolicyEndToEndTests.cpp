@@ -267,6 +267,18 @@ TEST(RavoOrxPolicy, EvalExplainsTheDecision) {
                                       "emission counts\n"
                                       "ravo-orx policy eval: fuel 24 of 1000000" + budget))
       << explained;
+  // Eleven calls of a one-parameter function deep: 11 frames of 4 + 1 stack units.
+  const auto deep = assembleWat(R"((module
+  (import "output" "emit" (func $emit (param i32 i32 i32 i32 i32) (result i32)))
+  (func $down (param i32) (result i32)
+    (if (result i32) (local.get 0) (then (call $down (i32.sub (local.get 0) (i32.const 1)))) (else (i32.const 0))))
+  (func (export "decide") (param i32 i32 i32 i32 i32 i32 i32 i32) (result i32) (call $down (i32.const 10)))))");
+  writeFile(scratch.path / "deep.wasm", std::string(deep.begin(), deep.end()));
+  const auto recursed = run(with({"policy", "eval", "-v", (scratch.path / "deep.wasm").string(), "authz"}, kPlays), "");
+  EXPECT_TRUE(recursed.status == 3 &&
+              std::regex_search(recursed.err, std::regex("refused: decide emitted nothing\n.*: fuel [0-9]+ of 1000000 "
+                                                         "units, stack 55 of 4000 units")))
+      << recursed;
   // Without -v only why: the rule, here that the record does not repeat the facts' command.
   const std::string echo = module("echo.wasm", "(drop (call $emit (i32.const 5201) (i32.const 0) (i32.const 7) "
                                                "(i32.const 0) (i32.const 3))) (i32.const 0)");
