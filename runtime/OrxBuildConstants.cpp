@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "ad18b7cd828501fb71c9a96cc2b93d967e3b40efe2d42170d50ec4749d206d96";
+  static const std::string value = "94354eb1bc3b3873f475439f7d423cb7da5078afbf3b148f21fae54b2976bcfd";
   return value;
 }
 

@@ -3,25 +3,21 @@
 #include <string_view>
 
 #include <ravo-orx/runtime/OrxDecisionKinds.h>
+#include <ravo-orx/runtime/OrxEmittedRecordRules.h>
 #include <ravo-orx/runtime/OrxLog.h>
 
 namespace ravo::orx::internal {
 
 namespace {
 
-constexpr std::int32_t kMaxPolicyVersion = 10'000;
-constexpr std::int32_t kOneDayMilliseconds = 86'400'000;
-
 constexpr const OrxDecisionKind& kAuthorization = orxDecisionKind(OrxDecisionKindID::authorization);
 constexpr const OrxDecisionKind& kSync = orxDecisionKind(OrxDecisionKindID::sync);
 constexpr const OrxDecisionKind& kCinema = orxDecisionKind(OrxDecisionKindID::cinemaAdmission);
 
-// An emitted record has exactly five values: the kind's tag, the decide result, then three fields.
-const std::vector<std::int32_t>* taggedRecord(const OrxInvocation& call, const OrxDecisionKind& kind,
-                                              std::int32_t result) {
+OrxEmittedRecord emittedRecord(const OrxDecisionKind& kind, const OrxInvocation& call, std::int32_t result,
+                               std::int32_t echoedFact = 0) {
   const auto* emitted = call.emitted;
-  if (!emitted || emitted->size() != 5 || (*emitted)[0] != kind.emitTag || (*emitted)[1] != result) return nullptr;
-  return emitted;
+  return {kind.emitTag, result, echoedFact, emitted ? emitted->data() : nullptr, emitted ? emitted->size() : 0};
 }
 
 void logTrap(const OrxDecisionKind& kind, const OrxInvocation& call) {
@@ -98,16 +94,11 @@ OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyDecider::authorizeWithSour
     logTrap(kAuthorization, call);
     return fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::trap);
   }
-  const auto* record = taggedRecord(call, kAuthorization, result);
-  if (!record || (result != 0 && result != 1) || (*record)[2] != facts.command) {
+  const OrxEmittedRecord record = emittedRecord(kAuthorization, call, result, facts.command);
+  if (!orxRecordAccepted<kOrxAuthorizationRecordRules>(record)) {
     return fail(OrxAuthorizationDecision::invalid(), OrxDecisionSource::invalidOutput);
   }
-  const auto reason = orxAuthorizationReason((*record)[3]);
-  const std::int32_t policyVersion = (*record)[4];
-  if (!reason || policyVersion < 1 || policyVersion > kMaxPolicyVersion) {
-    return fail(OrxAuthorizationDecision::invalid(), OrxDecisionSource::invalidOutput);
-  }
-  return {{result == 1, *reason, policyVersion}, OrxDecisionSource::policy};
+  return {{result == 1, *orxAuthorizationReason(record[3]), record[4]}, OrxDecisionSource::policy};
 }
 
 OrxSourcedDecision<OrxSyncDecision> OrxPolicyDecider::correctSyncWithSource(const SyncFacts& facts) noexcept {
@@ -120,12 +111,11 @@ OrxSourcedDecision<OrxSyncDecision> OrxPolicyDecider::correctSyncWithSource(cons
     logTrap(kSync, call);
     return fail(OrxSyncDecision::hold(), OrxDecisionSource::trap);
   }
-  const auto action = orxSyncAction(result);
-  const auto* record = taggedRecord(call, kSync, result);
-  if (!action || !record || !isValidHostSyncOutput(*action, (*record)[2], (*record)[3], (*record)[4])) {
+  const OrxEmittedRecord record = emittedRecord(kSync, call, result);
+  if (!orxRecordAccepted<kOrxSyncRecordRules>(record)) {
     return fail(OrxSyncDecision::hold(), OrxDecisionSource::invalidOutput);
   }
-  return {{*action, (*record)[2], (*record)[3], (*record)[4]}, OrxDecisionSource::policy};
+  return {{*orxSyncAction(result), record[2], record[3], record[4]}, OrxDecisionSource::policy};
 }
 
 OrxSourcedDecision<OrxCinemaAdmissionDecision> OrxPolicyDecider::decideCinemaAdmissionWithSource(
@@ -141,44 +131,31 @@ OrxSourcedDecision<OrxCinemaAdmissionDecision> OrxPolicyDecider::decideCinemaAdm
     logTrap(kCinema, call);
     return fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::trap);
   }
-  const auto route = orxCinemaAdmissionRoute(result);
-  const auto* record = taggedRecord(call, kCinema, result);
-  const auto reason = record ? orxCinemaAdmissionReason((*record)[4]) : std::nullopt;
-  if (!route || !reason || !isValidCinemaAdmissionOutput(*route, (*record)[2], (*record)[3], *reason)) {
+  const OrxEmittedRecord record = emittedRecord(kCinema, call, result);
+  if (!orxRecordAccepted<kOrxCinemaAdmissionRecordRules>(record)) {
     return fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::invalidOutput);
   }
-  return {{*route, (*record)[2], (*record)[3], *reason}, OrxDecisionSource::policy};
+  return {{*orxCinemaAdmissionRoute(result), record[2], record[3], *orxCinemaAdmissionReason(record[4])},
+          OrxDecisionSource::policy};
 }
 
+// The output rules read the record's values and the result only; the tag and the repeated result are
+// filled in so that the record is whole.
 bool OrxPolicyDecider::isValidHostSyncOutput(OrxSyncAction action, std::int32_t rateX1000,
                                              std::int32_t correctionMilliseconds, std::int32_t reason) {
-  if (rateX1000 < 950 || rateX1000 > 1050) return false;
-  if (correctionMilliseconds < -kOneDayMilliseconds || correctionMilliseconds > kOneDayMilliseconds) return false;
-  if (reason < 0 || reason > kOrxMaxSyncReason) return false;
-  switch (action) {
-    case OrxSyncAction::hold: return rateX1000 == 1000 && correctionMilliseconds == 0;
-    case OrxSyncAction::nudge: return correctionMilliseconds == 0;
-    case OrxSyncAction::seek: return rateX1000 == 1000;
-  }
-  return false;
+  const std::int32_t values[] = {kSync.emitTag, rawValue(action), rateX1000, correctionMilliseconds, reason};
+  return orxRecordAccepted<kOrxSyncRecordRules, kOrxSyncOutputRulesStart>(
+      {kSync.emitTag, rawValue(action), 0, values, std::size(values)});
 }
 
 bool OrxPolicyDecider::isValidCinemaAdmissionOutput(OrxCinemaAdmissionRoute route,
                                                     std::int32_t sparseAnchorIntervalFrames,
                                                     std::int32_t safeBudgetTenthsMilliseconds,
                                                     OrxCinemaAdmissionReason reason) {
-  if (sparseAnchorIntervalFrames < 0 || sparseAnchorIntervalFrames > 10'000) return false;
-  if (safeBudgetTenthsMilliseconds < 0 || safeBudgetTenthsMilliseconds > 1'000'000) return false;
-  using Route = OrxCinemaAdmissionRoute;
-  using Reason = OrxCinemaAdmissionReason;
-  switch (route) {
-    case Route::metalFXOnly: return sparseAnchorIntervalFrames == 0 && reason != Reason::liveSafe;
-    case Route::fullFrameML: return sparseAnchorIntervalFrames == 0 && reason == Reason::liveSafe;
-    case Route::sparseAnchorResearch: return sparseAnchorIntervalFrames >= 2 && reason == Reason::sparseResearch;
-    case Route::calibration: return sparseAnchorIntervalFrames == 0 && reason == Reason::calibration;
-    case Route::measurementRequired: return sparseAnchorIntervalFrames == 0 && reason == Reason::invalidFacts;
-  }
-  return false;
+  const std::int32_t values[] = {kCinema.emitTag, rawValue(route), sparseAnchorIntervalFrames,
+                                 safeBudgetTenthsMilliseconds, rawValue(reason)};
+  return orxRecordAccepted<kOrxCinemaAdmissionRecordRules, kOrxCinemaOutputRulesStart>(
+      {kCinema.emitTag, rawValue(route), 0, values, std::size(values)});
 }
 
 }  // namespace ravo::orx::internal

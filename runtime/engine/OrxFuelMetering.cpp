@@ -32,9 +32,10 @@ void append(ExprList& list, Args&&... args) {
 // Rewrites one module's code; the globals are created before any function is instrumented.
 class Meter {
  public:
-  explicit Meter(Module& module) : module_(module) {
+  Meter(Module& module, bool keepPeakStack) : module_(module) {
     fuel_ = addExportedGlobal(Type::I64, Const::I64(kOrxFuelPerCall), kOrxFuelExport);
     stack_ = addExportedGlobal(Type::I32, Const::I32(0), kOrxStackExport);
+    if (keepPeakStack) peakStack_ = addExportedGlobal(Type::I32, Const::I32(0), kOrxPeakStackExport);
     if (!module.starts.empty()) {
       addExport(kOrxStartExport, ExternalKind::Func, *module.starts.front());
       module.starts.clear();
@@ -156,6 +157,7 @@ class Meter {
   ExprList::iterator accountFrame(ExprList& list, ExprList::iterator call, std::uint64_t frame) {
     ExprList before = adjustStack(frame, Opcode::I32Add);
     before.splice(before.end(), trapIf(stack_, Const::I32(kOrxMaxStackUnits), Opcode::I32GtU));
+    if (peakStack_) before.splice(before.end(), keepPeak());
     list.splice(call, std::move(before));
     const auto next = std::next(call);
     list.splice(next, adjustStack(frame, Opcode::I32Sub));
@@ -168,6 +170,19 @@ class Meter {
     append<ConstExpr>(code, Const::I32(static_cast<std::uint32_t>(frame)));
     append<BinaryExpr>(code, opcode);
     append<GlobalSetExpr>(code, stack_);
+    return code;
+  }
+
+  // `if (stack > peak) peak = stack`
+  ExprList keepPeak() {
+    ExprList code;
+    append<GlobalGetExpr>(code, stack_);
+    append<GlobalGetExpr>(code, *peakStack_);
+    append<CompareExpr>(code, Opcode::I32GtU);
+    auto raise = std::make_unique<IfExpr>();
+    append<GlobalGetExpr>(raise->true_.exprs, stack_);
+    append<GlobalSetExpr>(raise->true_.exprs, *peakStack_);
+    code.push_back(std::move(raise));
     return code;
   }
 
@@ -186,6 +201,7 @@ class Meter {
   Module& module_;
   Var fuel_;
   Var stack_;
+  std::optional<Var> peakStack_;  // only in a rewrite for measurements
   std::uint64_t largestFrame_ = kOrxFrameUnits;
   Func* func_ = nullptr;
   std::optional<Var> scratch_;  // the current function's i32 local for bulk lengths, once needed
@@ -193,18 +209,20 @@ class Meter {
 
 }  // namespace
 
-std::optional<std::string> meterModule(const std::uint8_t* bytes, std::size_t size, std::vector<std::uint8_t>& metered) {
+std::optional<std::string> meterModule(const std::uint8_t* bytes, std::size_t size, std::vector<std::uint8_t>& metered,
+                                       bool keepPeakStack) {
   const Features features;
   Errors errors;
   Module module;
   if (Failed(ReadBinaryIr("module", bytes, size, wabtReadOptions(), &errors, &module))) return wabtCompileError(errors);
   for (const Export* export_ : module.exports) {
-    if (export_->name == kOrxFuelExport || export_->name == kOrxStackExport || export_->name == kOrxStartExport) {
+    if (export_->name == kOrxFuelExport || export_->name == kOrxStackExport || export_->name == kOrxStartExport ||
+        (keepPeakStack && export_->name == kOrxPeakStackExport)) {
       return "CompileError: the export name " + export_->name + " is reserved by the host";
     }
   }
 
-  Meter meter(module);
+  Meter meter(module, keepPeakStack);
   for (Index f = module.num_func_imports; f < module.funcs.size(); ++f) meter.instrument(*module.funcs[f]);
   for (Memory* memory : module.memories) Meter::capGrowth(memory->page_limits, kOrxMaxMemoryPages);
   for (Table* table : module.tables) Meter::capGrowth(table->elem_limits, kOrxMaxTableElements);

@@ -40,9 +40,9 @@ using wabt::Type;
 
 constexpr const char* kTypeError = "TypeError: an argument or result has a type that cannot cross the boundary";
 
-class WabtModuleInstance final : public OrxModuleInstance {
+class WabtModuleInstance final : public OrxMeasuredModuleInstance {
  public:
-  WabtModuleInstance() : store_(wabt::Features{}) {}
+  explicit WabtModuleInstance(bool measured) : store_(wabt::Features{}), measured_(measured) {}
 
   // Returns false and fills `failure` when the module cannot be instantiated.
   bool instantiate(const std::uint8_t* bytes, std::size_t size, OrxInstantiationFailure& failure) {
@@ -75,6 +75,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
   OrxInvocation invoke(const std::int32_t* arguments, std::size_t count) override {
     emitted_.clear();
     hasEmitted_ = false;
+    emits_ = 0;
     typeErrorRaised_ = false;
     OrxInvocation invocation;
     if (!decide_) {
@@ -104,6 +105,13 @@ class WabtModuleInstance final : public OrxModuleInstance {
     return invocation;
   }
 
+  OrxCallMeasure lastMeasure() const override {
+    OrxCallMeasure measure{emits_, 0, 0};
+    if (fuel_) measure.fuel = kOrxFuelPerCall - static_cast<std::uint64_t>(fuel_->Get().Get<s64>());
+    if (peakStack_) measure.peakStackUnits = peakStack_->Get().Get<u32>();
+    return measure;
+  }
+
  private:
   // Reads and links the module the host runs for these bytes: the bytes themselves when statically
   // bounded, else their metered rewrite. Imports are checked on the bytes as given.
@@ -117,10 +125,10 @@ class WabtModuleInstance final : public OrxModuleInstance {
                " is not provided (only the function output.emit is)";
       }
     }
-    if (analysis.bounded) return std::nullopt;
+    if (analysis.bounded && !measured_) return std::nullopt;
     metered_ = true;
     std::vector<std::uint8_t> metered;
-    if (auto refusal = meterModule(bytes, size, metered)) return refusal;
+    if (auto refusal = meterModule(bytes, size, metered, /*keepPeakStack=*/measured_)) return refusal;
     desc = ModuleDesc{};
     return readValidatedModule(metered.data(), metered.size(), desc);
   }
@@ -137,6 +145,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
       if (metered_) {
         if (exports[i].name == kOrxFuelExport) fuel_ = store_.UnsafeGet<Global>(ref);
         if (exports[i].name == kOrxStackExport) stack_ = store_.UnsafeGet<Global>(ref);
+        if (measured_ && exports[i].name == kOrxPeakStackExport) peakStack_ = store_.UnsafeGet<Global>(ref);
         if (exports[i].name == kOrxStartExport) start = store_.UnsafeGet<Func>(ref);
       }
       if (exports[i].name != "decide") continue;
@@ -154,6 +163,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
   void resetBudgets() {
     if (fuel_) fuel_->UnsafeSet(Value::Make(u64{kOrxFuelPerCall}));
     if (stack_) stack_->UnsafeSet(Value::Make(u32{0}));
+    if (peakStack_) peakStack_->UnsafeSet(Value::Make(u32{0}));
   }
 
   // The trap's text as a script sees it; a metered module's budget traps are told apart from its own
@@ -182,6 +192,7 @@ class WabtModuleInstance final : public OrxModuleInstance {
     }
     emitted_.clear();
     hasEmitted_ = true;
+    ++emits_;
     for (size_t i = 0; i < params.size() && i < type.params.size(); ++i) {
       switch (type.params[i]) {
         case Type::I32: emitted_.push_back(params[i].Get<s32>()); break;
@@ -247,25 +258,38 @@ class WabtModuleInstance final : public OrxModuleInstance {
   // the BigInt it sees for a single i64 result throws.
   bool decideReturnsV128_ = false;
   bool decideReturnsBigInt_ = false;
+  bool measured_;         // metered whatever the module, keeping the peak stack too
   bool metered_ = false;  // runs the host's metered rewrite, not the bytes as given
   Global::Ptr fuel_;      // the budgets of a metered module; null when it runs unmetered
   Global::Ptr stack_;
+  Global::Ptr peakStack_;  // a measured instance's only
   std::unique_ptr<Thread> thread_;
   Values params_;   // reused across calls: no allocation per decision
   Values results_;
   std::vector<std::int32_t> emitted_;
   OrxInvocationErrorText error_;
   bool hasEmitted_ = false;
+  std::size_t emits_ = 0;
   bool typeErrorRaised_ = false;
 };
+
+std::unique_ptr<WabtModuleInstance> instantiate(const std::uint8_t* bytes, std::size_t size, bool measured,
+                                                OrxInstantiationFailure& failure) {
+  auto instance = std::make_unique<WabtModuleInstance>(measured);
+  if (!instance->instantiate(bytes, size, failure)) return nullptr;
+  return instance;
+}
 
 }  // namespace
 
 std::unique_ptr<OrxModuleInstance> instantiateInterpretedModule(const std::uint8_t* bytes, std::size_t size,
                                                                 OrxInstantiationFailure& failure) {
-  auto instance = std::make_unique<WabtModuleInstance>();
-  if (!instance->instantiate(bytes, size, failure)) return nullptr;
-  return instance;
+  return instantiate(bytes, size, /*measured=*/false, failure);
+}
+
+std::unique_ptr<OrxMeasuredModuleInstance> instantiateMeasuredModule(const std::uint8_t* bytes, std::size_t size,
+                                                                     OrxInstantiationFailure& failure) {
+  return instantiate(bytes, size, /*measured=*/true, failure);
 }
 
 }  // namespace ravo::orx::internal

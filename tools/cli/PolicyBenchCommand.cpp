@@ -64,7 +64,8 @@ int runBench(OrxCliArguments& arguments) {
   const double cost = medianCost(kind, decider, facts, timing);
   orxCliPrint(fmt::format("{}: {:.3f} \u00B5s/decision on the {} tier (median of {} runs of {} decisions)", module.file,
                           cost, tier, timing.runs, timing.decisions));
-  return 0;
+  // The figure is printed all the same, but a fail-safe path is not the policy's cost: a script must see it.
+  return first.source == OrxDecisionSource::policy ? 0 : kOrxCliFailSafe;
 }
 
 }  // namespace
@@ -76,7 +77,9 @@ constinit const OrxCliCommand kOrxCliPolicyBenchCommand{
     "code when this build compiled exactly these bytes, the interpreter otherwise), and times the\n"
     "decision with the facts given as for 'ravo-orx decide': N runs (default 5) of N decisions (default\n"
     "100000) each, printing the median cost per decision. Standard error warns when the facts give a\n"
-    "fail-safe decision, which is timed all the same.\n",
+    "fail-safe decision, which is timed all the same.\n"
+    "Exit status: 0 timed the module's own decision, 1 the host refuses the module or a file cannot be\n"
+    "read, 2 usage mistake, 3 the facts give a fail-safe decision (the figure is then not the policy's).\n",
     runBench};
 
 }  // namespace ravo::orx

@@ -57,7 +57,7 @@ int runBuild(OrxCliArguments& arguments) {
   const bool check = arguments.flag("--check") || arguments.flag("--dry-run");
   arguments.finish();
   if (!fs::exists(kConstantsHeader) || !fs::is_directory("tools/package_check")) {
-    throw std::runtime_error("ravo-orx policy build runs from the repository root (no " + kConstantsHeader.string() +
+    throw std::runtime_error("it runs from the repository root (no " + kConstantsHeader.string() +
                              " and tools/package_check/ here)");
   }
   const RepositoryBuildLock lock;

@@ -5,6 +5,7 @@
 #include <ravo-orx/cli/OrxCliIO.h>
 #include <ravo-orx/cli/OrxCliPolicyModule.h>
 #include <ravo-orx/package_check/OrxDecisionByKind.h>
+#include <ravo-orx/package_check/OrxPolicyCases.h>
 #include <ravo-orx/package_check/OrxPolicyManifest.h>
 
 namespace ravo::orx {
@@ -26,16 +27,15 @@ std::string joined(const std::vector<std::string>& texts) {
 }
 
 // What the module's interface lacks for the manifest, or, without one, for any of the three decisions.
-std::optional<std::string> contractProblem(const OrxModuleInterface& interface,
+std::optional<std::string> contractProblem(const OrxModuleInterface& interface, std::span<const std::uint8_t> bytes,
                                            const std::optional<OrxPolicyManifest>& manifest) {
   auto exports = [&](const std::string& signature) {
     return std::find(interface.exports.begin(), interface.exports.end(), signature) != interface.exports.end();
   };
   if (manifest) {
-    if (!orxDecisionKindOfModule(manifest->module)) return "the manifest names no module of this runtime";
-    if (interface.imports != manifest->imports) return "imports differ from the manifest's " + joined(manifest->imports);
-    if (!exports(manifest->decide)) return "no export " + manifest->decide;
-    return std::nullopt;
+    const auto problems = orxManifestContractProblems(*manifest, bytes);
+    if (problems.empty()) return std::nullopt;
+    return problems.front();
   }
   if (interface.imports.size() != 1 || !interface.imports[0].starts_with("func output.emit(")) {
     return "imports must be exactly the function output.emit";
@@ -46,6 +46,24 @@ std::optional<std::string> contractProblem(const OrxModuleInterface& interface,
     if (exports(signature + ") -> (i32)")) return std::nullopt;
   }
   return "no export decide taking 8 or 13 i32 facts and returning i32";
+}
+
+// Runs the manifest's cases as `policy test` does; one FAIL line each on standard output.
+int checkCases(const OrxCliPolicyModule& module, const OrxPolicyManifest& manifest) {
+  std::size_t failed = 0;
+  for (const auto& result : runPolicyCases(module.bytes, manifest, *orxDecisionKindOfModule(manifest.module))) {
+    if (result.emits > 1) {
+      orxCliPrint("WARN \"" + result.policyCase->name + "\": emitted " + std::to_string(result.emits) +
+                  " times in one call; only the last emission counts");
+    }
+    if (result.problem.empty()) continue;
+    orxCliPrint("FAIL \"" + result.policyCase->name + "\": " + result.problem);
+    ++failed;
+  }
+  printField("cases", std::to_string(manifest.cases.size() - failed) + " passed, " + std::to_string(failed) + " failed");
+  if (failed == 0) return 0;
+  throw std::runtime_error(module.file + ": " + std::to_string(failed) + " of the manifest's " +
+                           std::to_string(manifest.cases.size()) + " cases failed");
 }
 
 int runCheck(OrxCliArguments& arguments) {
@@ -74,11 +92,12 @@ int runCheck(OrxCliArguments& arguments) {
   printField("approved", approved ? "yes, as " + *approved : std::string("no, this build approves other bytes"));
   printField("execution", module.executionBound());
   printField("tier", std::string(orxCaseName(loaded->tier())));
-  if (const auto problem = contractProblem(*interface, manifest)) {
+  if (const auto problem = contractProblem(*interface, module.bytes, manifest)) {
     printField("contract", "refused: " + *problem);
     throw std::runtime_error(module.file + ": " + *problem);
   }
   printField("contract", manifest ? "matches " + *manifestFile : std::string("a policy module's"));
+  if (manifest) return checkCases(module, *manifest);
   return 0;
 }
 
@@ -91,8 +110,11 @@ constinit const OrxCliCommand kOrxCliPolicyCheckCommand{
     "proven worst case per call, or why it is metered) and the tier it would run on. It then checks the\n"
     "import/export contract: against MANIFEST's imports and decide signature when given, otherwise the\n"
     "contract every policy module keeps (one import output.emit, an export decide taking 8 or 13 i32\n"
-    "facts). Either file may be '-' for standard input. Exit status 0 when the module is admitted, 1 when\n"
-    "the host refuses it (its own text on standard error) or the contract does not hold.\n",
+    "facts). With MANIFEST it then runs the manifest's cases as 'policy test' does, printing a FAIL line\n"
+    "for each that fails and the count. Either file may be '-' for standard input.\n"
+    "Exit status: 0 the module is admitted (and every case passed), 1 the host refuses it (its own text\n"
+    "on standard error), the manifest breaks its schema, the contract does not hold or a case failed,\n"
+    "2 usage mistake.\n",
     runCheck};
 
 }  // namespace ravo::orx

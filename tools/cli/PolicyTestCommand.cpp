@@ -1,12 +1,15 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <regex>
 #include <set>
 
-#include <ravo-orx/runtime/OrxEvidence.h>
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
+#include <ravo-orx/runtime/OrxEvidence.h>
 #include <ravo-orx/cli/OrxCliCommand.h>
 #include <ravo-orx/cli/OrxCliIO.h>
+#include <ravo-orx/cli/OrxCliTestReport.h>
+#include <ravo-orx/package_check/OrxArtifactBuild.h>
 #include <ravo-orx/package_check/OrxPolicyCases.h>
 #include <ravo-orx/package_check/OrxPolicyCompilers.h>
 
@@ -20,18 +23,30 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kManifestSuffix = ".manifest.json";
 
-struct Tally {
-  std::size_t passed = 0;
-  std::size_t failed = 0;
+struct Options {
+  bool verbose = false;
+  bool coverage = false;
+  std::optional<std::regex> run;  // selects cases by "module/case"
 };
 
-std::vector<fs::path> manifestsIn(const fs::path& directory) {
+// The manifests named: each directory's *.manifest.json in name order, and manifest files as given.
+std::vector<fs::path> manifestsIn(const std::vector<fs::path>& paths) {
   std::vector<fs::path> manifests;
-  for (const auto& entry : fs::directory_iterator(directory)) {
-    if (entry.path().filename().string().ends_with(kManifestSuffix)) manifests.push_back(entry.path());
+  for (const auto& path : paths) {
+    std::error_code error;
+    if (!fs::is_directory(path, error)) {
+      if (!fs::exists(path, error)) throw std::runtime_error("no such manifest or directory: " + path.string());
+      manifests.push_back(path);
+      continue;
+    }
+    std::vector<fs::path> found;
+    for (const auto& entry : fs::directory_iterator(path)) {
+      if (entry.path().filename().string().ends_with(kManifestSuffix)) found.push_back(entry.path());
+    }
+    if (found.empty()) throw std::runtime_error("no *.manifest.json in " + path.string());
+    std::sort(found.begin(), found.end());
+    manifests.insert(manifests.end(), found.begin(), found.end());
   }
-  std::sort(manifests.begin(), manifests.end());
-  if (manifests.empty()) throw std::runtime_error("no *.manifest.json in " + directory.string());
   return manifests;
 }
 
@@ -59,57 +74,121 @@ std::string coverage(const OrxDecisionKind& kind, const std::vector<OrxPolicyCas
   return missing.empty() ? "its cases produce every reason" : "its cases never produce reason" + missing;
 }
 
-void testModule(const fs::path& manifestFile, bool verbose, bool reportCoverage,
-                std::optional<OrxPolicyCompilers>& compilers, Tally& tally) {
-  const auto manifest = OrxPolicyManifest::decode(readArtifactFile(manifestFile), manifestFile.string());
-  const OrxDecisionKind* kind = orxDecisionKindOfModule(manifest.module);
-  const std::string module = manifest.module;
+bool selected(const Options& options, const std::string& module, const std::string& name) {
+  return !options.run || std::regex_search(module + "/" + name, *options.run);
+}
+
+// Runs the selected cases of one manifest; prints its coverage when asked (text reports only).
+OrxCliModuleRun runManifest(const fs::path& file, const Options& options, std::optional<OrxPolicyCompilers>& compilers,
+                            std::vector<std::string>& notes) {
+  std::string name = file.filename().string();
+  if (name.ends_with(kManifestSuffix)) name.resize(name.size() - kManifestSuffix.size());
+  OrxPolicyManifest manifest;
+  try {
+    manifest = OrxPolicyManifest::decode(readArtifactFile(file), file.string());
+  } catch (const std::exception& error) {
+    return {name, error.what(), {{"manifest", error.what(), std::nullopt}}};
+  }
+  OrxCliModuleRun run{manifest.module, std::nullopt, {}};
+  OrxPolicyManifest chosen = manifest;
+  std::erase_if(chosen.cases, [&](const auto& c) { return !selected(options, manifest.module, c.name); });
+  if (chosen.cases.empty()) return run;
+  const OrxDecisionKind& kind = *orxDecisionKindOfModule(manifest.module);  // decode checked it
   std::vector<OrxPolicyCaseResult> results;
   try {
-    if (!kind) throw std::runtime_error("no decision of this runtime is taken by module \"" + module + "\"");
-    results = runPolicyCases(moduleBytes(manifestFile.parent_path(), module, compilers), manifest, *kind);
+    const auto bytes = moduleBytes(file.parent_path(), manifest.module, compilers);
+    if (const auto problems = orxManifestContractProblems(manifest, bytes); !problems.empty()) {
+      throw std::runtime_error(problems.front());
+    }
+    results = runPolicyCases(bytes, chosen, kind);
   } catch (const std::exception& error) {
-    // A module that cannot run fails every one of its cases, reported once.
-    orxCliPrint("FAIL " + module + ": " + error.what());
-    tally.failed += manifest.cases.size();
-    return;
+    // A module that cannot run fails every selected case, with one reason.
+    run.failure = error.what();
+    for (const auto& policyCase : chosen.cases) run.cases.push_back({policyCase.name, error.what(), std::nullopt});
+    return run;
   }
   for (const auto& result : results) {
-    const std::string label = module + " \"" + result.policyCase->name + "\"";
-    if (!result.problem.empty()) {
-      orxCliPrint("FAIL " + label + ": " + result.problem);
-      ++tally.failed;
+    std::optional<std::string> warning;
+    if (result.emits > 1) {
+      warning = "emitted " + std::to_string(result.emits) + " times in one call; only the last emission counts";
+    }
+    run.cases.push_back({result.policyCase->name, result.problem, warning});
+  }
+  if (options.coverage) notes.push_back("coverage " + manifest.module + ": " + coverage(kind, results));
+  return run;
+}
+
+void printText(const OrxCliTestReport& report, const Options& options, const std::vector<std::string>& notes) {
+  for (const auto& module : report.modules) {
+    if (module.failure) {
+      orxCliPrint("FAIL " + module.module + ": " + *module.failure);
       continue;
     }
-    if (verbose) orxCliPrint("PASS " + label);
-    ++tally.passed;
+    for (const auto& outcome : module.cases) {
+      const std::string label = module.module + " \"" + outcome.name + "\"";
+      if (outcome.warning) orxCliPrint("WARN " + label + ": " + *outcome.warning);
+      if (!outcome.problem.empty()) orxCliPrint("FAIL " + label + ": " + outcome.problem);
+      else if (options.verbose) orxCliPrint("PASS " + label);
+    }
   }
-  if (reportCoverage) orxCliPrint("coverage " + module + ": " + coverage(*kind, results));
+  for (const auto& note : notes) orxCliPrint(note);
+  orxCliPrint(std::to_string(report.passed()) + " passed, " + std::to_string(report.failed()) + " failed");
 }
 
 int runTest(OrxCliArguments& arguments) {
-  const bool verbose = arguments.flag("-v") || arguments.flag("--verbose");
-  const bool reportCoverage = arguments.flag("--coverage");
-  const fs::path directory = arguments.nextIfAny().value_or("policies");
+  Options options;
+  options.verbose = arguments.flag("-v") || arguments.flag("--verbose");
+  options.coverage = arguments.flag("--coverage");
+  const bool json = arguments.flag("--json");
+  const auto junit = arguments.option("--junit");
+  const auto pattern = arguments.option("--run");
+  if (pattern) {
+    try {
+      options.run.emplace(*pattern, std::regex::ECMAScript);
+    } catch (const std::regex_error& error) {
+      throw OrxCliUsageError("--run \"" + *pattern + "\" is not a regular expression: " + error.what());
+    }
+  }
+  std::vector<fs::path> paths;
+  while (const auto path = arguments.nextIfAny()) paths.emplace_back(*path);
   arguments.finish();
-  Tally tally;
+  if (paths.empty()) paths.emplace_back("policies");
+
+  OrxCliTestReport report;
+  std::vector<std::string> notes;
   std::optional<OrxPolicyCompilers> compilers;
-  for (const auto& manifest : manifestsIn(directory)) testModule(manifest, verbose, reportCoverage, compilers, tally);
-  orxCliPrint(std::to_string(tally.passed) + " passed, " + std::to_string(tally.failed) + " failed");
-  return tally.failed == 0 ? 0 : kOrxCliRefusedInput;
+  for (const auto& manifest : manifestsIn(paths)) {
+    auto run = runManifest(manifest, options, compilers, notes);
+    if (!run.cases.empty()) report.modules.push_back(std::move(run));  // --run selected none of its cases
+  }
+  // Only a filter can select nothing: a manifest without cases is refused.
+  if (report.passed() + report.failed() == 0) throw std::runtime_error("no case matches --run \"" + *pattern + "\"");
+  if (junit) writeChangedFiles({{*junit, orxCliTestReportJUnit(report)}});
+  if (json) orxCliPrint(orxCliTestReportJSON(report));
+  else printText(report, options, notes);
+  return report.failed() == 0 ? 0 : kOrxCliRefusedInput;
 }
 
 }  // namespace
 
 constinit const OrxCliCommand kOrxCliPolicyTestCommand{
-    "test", "[DIR] [-v] [--coverage]", "run the cases of every policy manifest",
-    "Runs every case of every *.manifest.json in DIR (default: policies) against its module, assembled\n"
-    "from <module>.wat beside the manifest with wat2wasm, or <module>.wasm when there is no source,\n"
-    "through the runtime's decision path: the module must emit exactly the case's five values and the\n"
-    "runtime must accept them as the decision they stand for. Prints one FAIL line per failing case,\n"
-    "naming the module, the case, the expected and the emitted values; -v prints a PASS line for every\n"
-    "passing case too; --coverage prints, per module, the reason codes no passing case produced. The\n"
-    "last line is \"N passed, M failed\". Exit status 1 when any case failed.\n",
+    "test", "[DIR|MANIFEST...] [-v] [--coverage] [--run REGEX] [--junit FILE] [--json]",
+    "run the cases of policy manifests",
+    "Runs every case of every *.manifest.json in each DIR, and of each MANIFEST named (default: the\n"
+    "directory policies), against its module: assembled from <module>.wat beside the manifest with\n"
+    "wat2wasm, or <module>.wasm when there is no source. The manifest must keep the schema of\n"
+    "docs/POLICY-MANIFEST.md and the module its contract (imports, decide). Each case runs through the\n"
+    "runtime's decision path: the module must emit exactly the case's five values and the runtime must\n"
+    "accept them as the decision they stand for.\n"
+    "Prints one FAIL line per failing case (the module, the case, the expected and emitted values, or\n"
+    "the assembler's whole diagnostic), a WARN line for a case whose call emitted more than once; -v\n"
+    "prints a PASS line for every passing case too; --coverage prints, per module, the reason codes no\n"
+    "passing case produced. The last line is \"N passed, M failed\".\n"
+    "--run REGEX runs only the cases whose \"module/case\" the ECMAScript expression matches anywhere.\n"
+    "--junit FILE also writes the results as JUnit XML (written whole or not at all); --json prints them\n"
+    "as one JSON object instead of the lines above.\n"
+    "Exit status: 0 every case passed, 1 a case failed or a manifest or module could not run, or no case\n"
+    "matches --run, or FILE could not be written, 2 usage mistake.\n",
     runTest};
 
 }  // namespace ravo::orx

@@ -98,7 +98,9 @@ int run(const OrxCliCommand& command, const std::string& program, OrxCliArgument
   } catch (const OrxCliUsageError& error) {
     return usageMistake(program, error.what());
   } catch (const std::exception& error) {
-    printError(error.what());
+    // The policy toolchain runs inside builds and CI, whose logs mix many tools: its every message
+    // names the command.
+    printError((program.starts_with("ravo-orx policy ") ? program + ": " : std::string()) + error.what());
     return kOrxCliRefusedInput;
   }
 }

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include <ravo-orx/loader/OrxModuleLoader.h>
+#include <ravo-orx/package_check/OrxExplainedCall.h>
 
 namespace ravo::orx {
 
@@ -54,12 +55,9 @@ std::string caseProblem(const Observed& call, const OrxPolicyAnswer& answer, con
 
 std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest,
                                                 const OrxDecisionKind& kind) {
-  // The cases' facts are read as this kind's arguments, so a manifest must name exactly those facts.
-  if (!std::equal(manifest.facts.begin(), manifest.facts.end(), kind.factNames.begin(), kind.factNames.end())) {
-    throw std::runtime_error("manifest facts differ from the runtime's " + std::string(kind.module) +
-                             " facts: " + formatList<std::string_view>(kind.factNames));
-  }
   auto owned = loadModule(manifest.module, wasm, /*allowPrecompiled=*/false);
+  // Counts the emissions of each case, which the runtime's own instance does not.
+  const auto measured = loadMeasuredModule(manifest.module, wasm);
   LoadedModule& module = *owned;  // the decider owns it; this tool calls it on the same thread only
   OrxPolicyDecider decider(orxModulesWith(kind, std::move(owned)));
   std::vector<OrxPolicyCaseResult> results;
@@ -70,7 +68,8 @@ std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wa
     const auto answer = orxDecide(kind, decider, policyCase.facts);
     std::optional<std::int32_t> reason;
     if (observed.emitted && observed.emitted->size() > kind.reasonIndex) reason = (*observed.emitted)[kind.reasonIndex];
-    results.push_back({&policyCase, caseProblem(observed, answer, policyCase, kind), reason});
+    const auto explained = orxExplainCall(*measured, kind, policyCase.facts);
+    results.push_back({&policyCase, caseProblem(observed, answer, policyCase, kind), reason, explained.measure.emits});
   }
   return results;
 }

@@ -42,6 +42,7 @@ void run(const fs::path& source, std::vector<std::string> words) {
   const auto outcome = runOrxProcess(std::move(words));
   if (outcome.status == 0) return;
   const std::string diagnostic = orxTrimmed(outcome.err + outcome.out);
+  if (diagnostic.starts_with(source.string() + ":")) throw std::runtime_error(diagnostic);
   throw std::runtime_error(source.string() + ": " + (diagnostic.empty() ? "refused without a message" : diagnostic));
 }
 

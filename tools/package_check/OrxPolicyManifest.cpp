@@ -1,35 +1,181 @@
 #include <ravo-orx/package_check/OrxPolicyManifest.h>
 
+#include <algorithm>
+#include <limits>
+#include <set>
 #include <stdexcept>
+#include <string_view>
+#include <variant>
 
-#include <nlohmann/json.hpp>
+#include <ravo-orx/contracts/support/RavoJSON.h>
+#include <ravo-orx/engine/OrxModuleInstance.h>
+#include <ravo-orx/runtime/OrxDecisionKinds.h>
+#include <ravo-orx/runtime/OrxEvidence.h>
 
 namespace ravo::orx {
 
-OrxPolicyManifest OrxPolicyManifest::decode(std::span<const std::uint8_t> json, const std::string& name) {
-  try {
-    const auto document = nlohmann::json::parse(json.begin(), json.end());
-    OrxPolicyManifest manifest{document.at("module").get<std::string>(),
-                               document.at("orxAbi").get<std::string>(),
-                               document.at("hostAbi").get<std::string>(),
-                               document.at("imports").get<std::vector<std::string>>(),
-                               document.at("decide").get<std::string>(),
-                               document.at("emitTag").get<std::int32_t>(),
-                               document.at("facts").get<std::vector<std::string>>(),
-                               {}};
-    for (const auto& row : document.at("cases")) {
-      OrxPolicyCase policyCase{row.at("case").get<std::string>(), row.at("facts").get<std::vector<std::int32_t>>(),
-                               row.at("emits").get<std::vector<std::int32_t>>()};
-      if (policyCase.facts.size() != manifest.facts.size() || policyCase.emits.size() != 5) {
-        throw std::runtime_error("case \"" + policyCase.name + "\" needs " + std::to_string(manifest.facts.size()) +
-                                 " facts and 5 emitted values");
-      }
-      manifest.cases.push_back(std::move(policyCase));
+using namespace internal;
+
+namespace {
+
+[[noreturn]] void refuse(const std::string& where, const std::string& what) {
+  throw std::runtime_error(where + ": " + what);
+}
+
+std::string inQuotes(std::string_view key) { return "\"" + std::string(key) + "\""; }
+
+void decodeValue(const RavoJSON& json, const std::string& where, std::string& out) {
+  if (!json.is_string()) refuse(where, "expected a string");
+  out = json.get<std::string>();
+}
+
+void decodeValue(const RavoJSON& json, const std::string& where, std::int32_t& out) {
+  constexpr std::int64_t minimum = std::numeric_limits<std::int32_t>::min();
+  constexpr std::int64_t maximum = std::numeric_limits<std::int32_t>::max();
+  // An unsigned number is compared as one: read as signed, 2^64 - 1 would pass as -1.
+  const bool inRange = json.is_number_unsigned() ? json.get<std::uint64_t>() <= static_cast<std::uint64_t>(maximum)
+                       : json.is_number_integer()
+                           ? json.get<std::int64_t>() >= minimum && json.get<std::int64_t>() <= maximum
+                           : false;
+  if (!inRange) refuse(where, "expected an integer from " + std::to_string(minimum) + " to " + std::to_string(maximum));
+  out = json.get<std::int32_t>();
+}
+
+template <class Object>
+void decodeObject(const RavoJSON& json, const std::string& where, Object& out);
+
+template <class Item>
+void decodeValue(const RavoJSON& json, const std::string& where, std::vector<Item>& out) {
+  if (!json.is_array()) refuse(where, "expected an array");
+  for (std::size_t i = 0; i < json.size(); ++i) {
+    Item item{};
+    if constexpr (std::is_same_v<Item, OrxPolicyCase>) {
+      decodeObject(json[i], where + "[" + std::to_string(i) + "]", item);
+    } else {
+      decodeValue(json[i], where + "[" + std::to_string(i) + "]", item);
     }
-    return manifest;
-  } catch (const std::exception& error) {
-    throw std::runtime_error(name + ": " + error.what());
+    out.push_back(std::move(item));
   }
+}
+
+// One key of an object: its name and where its value goes. Adding a key to the schema is one line of
+// the object's table (and its field).
+template <class Object>
+struct Key {
+  std::string_view name;
+  std::variant<std::string Object::*, std::int32_t Object::*, std::vector<std::string> Object::*,
+               std::vector<std::int32_t> Object::*, std::vector<OrxPolicyCase> Object::*>
+      field;
+};
+
+constexpr Key<OrxPolicyManifest> kManifestKeys[] = {
+    {"module", &OrxPolicyManifest::module},   {"orxAbi", &OrxPolicyManifest::orxAbi},
+    {"hostAbi", &OrxPolicyManifest::hostAbi}, {"imports", &OrxPolicyManifest::imports},
+    {"decide", &OrxPolicyManifest::decide},   {"emitTag", &OrxPolicyManifest::emitTag},
+    {"facts", &OrxPolicyManifest::facts},     {"cases", &OrxPolicyManifest::cases},
+};
+
+constexpr Key<OrxPolicyCase> kCaseKeys[] = {
+    {"case", &OrxPolicyCase::name},
+    {"facts", &OrxPolicyCase::facts},
+    {"emits", &OrxPolicyCase::emits},
+};
+
+template <class Object>
+constexpr std::span<const Key<Object>> keysOf() {
+  if constexpr (std::is_same_v<Object, OrxPolicyManifest>) {
+    return kManifestKeys;
+  } else {
+    return kCaseKeys;
+  }
+}
+
+// Every key of the table present, no other.
+template <class Object>
+void decodeObject(const RavoJSON& json, const std::string& where, Object& out) {
+  if (!json.is_object()) refuse(where, "expected an object");
+  const auto keys = keysOf<Object>();
+  for (const auto& [name, value] : json.items()) {
+    if (std::none_of(keys.begin(), keys.end(), [&](const auto& key) { return key.name == name; })) {
+      refuse(where, "unknown key " + inQuotes(name) + " (the schema is docs/POLICY-MANIFEST.md)");
+    }
+  }
+  for (const auto& key : keys) {
+    const auto value = json.find(key.name);
+    if (value == json.end()) refuse(where, "missing key " + inQuotes(key.name));
+    const std::string at = where + ": " + inQuotes(key.name);
+    std::visit([&](auto field) { decodeValue(*value, at, out.*field); }, key.field);
+  }
+}
+
+template <class Item>
+std::string listed(const std::vector<Item>& items) {
+  std::string text;
+  for (const auto& item : items) text += (text.empty() ? "" : ", ") + std::string(item);
+  return "[" + text + "]";
+}
+
+// What the kind fixes: the lanes, the tag and the facts; then the cases themselves.
+void checkAgainstKind(const OrxPolicyManifest& manifest, const std::string& where) {
+  const OrxDecisionKind* kind = orxDecisionKindOfModule(manifest.module);
+  if (!kind) refuse(where + ": \"module\"", inQuotes(manifest.module) + " is no module of this runtime");
+  auto differs = [&](std::string_view key, const std::string& given, std::string_view wanted) {
+    if (given != wanted) {
+      refuse(where + ": " + inQuotes(key), given + " is not " + std::string(wanted) + ", the runtime's for " +
+                                             std::string(kind->module));
+    }
+  };
+  differs("orxAbi", manifest.orxAbi, kOrxAbiLane);
+  differs("hostAbi", manifest.hostAbi, kOrxHostAbiLane);
+  differs("emitTag", std::to_string(manifest.emitTag), std::to_string(kind->emitTag));
+  if (!std::equal(manifest.facts.begin(), manifest.facts.end(), kind->factNames.begin(), kind->factNames.end())) {
+    refuse(where + ": \"facts\"", listed(manifest.facts) + " are not the runtime's " + std::string(kind->module) +
+                                      " facts " + listed(std::vector<std::string>(kind->factNames.begin(),
+                                                                                  kind->factNames.end())));
+  }
+  if (manifest.cases.empty()) refuse(where + ": \"cases\"", "no cases: a manifest tests its module with at least one");
+  std::set<std::string> names;
+  for (const auto& policyCase : manifest.cases) {
+    const std::string at = where + ": case " + inQuotes(policyCase.name);
+    if (!names.insert(policyCase.name).second) refuse(at, "the name is given to another case before it");
+    if (policyCase.facts.size() != manifest.facts.size()) {
+      refuse(at + ": \"facts\"", "has " + std::to_string(policyCase.facts.size()) + " values instead of " +
+                                     std::to_string(manifest.facts.size()));
+    }
+    if (policyCase.emits.size() != 5) {
+      refuse(at + ": \"emits\"", "has " + std::to_string(policyCase.emits.size()) + " values instead of 5");
+    }
+  }
+}
+
+}  // namespace
+
+OrxPolicyManifest OrxPolicyManifest::decode(std::span<const std::uint8_t> json, const std::string& name) {
+  RavoJSON document;
+  try {
+    document = parseRavoJSON(std::string_view(reinterpret_cast<const char*>(json.data()), json.size()));
+  } catch (const std::exception& error) {
+    refuse(name, error.what());
+  }
+  OrxPolicyManifest manifest;
+  decodeObject(document, name, manifest);
+  checkAgainstKind(manifest, name);
+  return manifest;
+}
+
+std::vector<std::string> orxManifestContractProblems(const OrxPolicyManifest& manifest,
+                                                     std::span<const std::uint8_t> wasm) {
+  const auto interface = describeModuleInterface(wasm.data(), wasm.size());
+  if (!interface) return {"not a valid WebAssembly module"};
+  std::vector<std::string> problems;
+  if (interface->imports != manifest.imports) {
+    problems.push_back("\"imports\": the module imports " + listed(interface->imports) + ", the manifest lists " +
+                       listed(manifest.imports));
+  }
+  if (std::find(interface->exports.begin(), interface->exports.end(), manifest.decide) == interface->exports.end()) {
+    problems.push_back("\"decide\": the module exports no " + manifest.decide);
+  }
+  return problems;
 }
 
 }  // namespace ravo::orx

@@ -5,6 +5,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <future>
 #include <regex>
@@ -115,18 +116,204 @@ TEST(RavoOrxPolicy, Test) {
       {{"policy", "test", binary.string(), "--coverage"}, "",
        printed("coverage cinema_admission: its cases produce every reason\n24 passed, 0 failed")},
       {{"policy", "test", broken.string()}, "",
-       {"FAIL sync_correction: " + broken.string() + "/sync_correction.wat: " + broken.string() +
-        "/sync_correction.wat:1:21: error: unexpected token EOF, expected ).\n(module (func $oops)\n"
-        "                    ^\n0 passed, 3 failed\n", "", 1}},
+       {"FAIL sync_correction: " + broken.string() + "/sync_correction.wat:1:21: error: unexpected token EOF, "
+        "expected ).\n(module (func $oops)\n                    ^\n0 passed, 3 failed\n", "", 1}},
       {{"policy", "test", unnamed.string()}, "",
-       {"FAIL sync_correction: manifest facts differ from the runtime's sync_correction facts: [driftMilliseconds, "
+       {"FAIL sync_correction: " + unnamedManifest.string() + ": \"facts\": [driftMilliseconds, "
         "roundTripMilliseconds, jitterMilliseconds, bufferAheadMilliseconds, rateX100, stallCount, "
-        "syncAgeMilliseconds, toleranceMilliseconds]\n0 passed, 3 failed\n", "", 1}},
-      {{"policy", "test", empty.string()}, "", refused("no *.manifest.json in " + empty.string())},
-      {{"policy", "test", "a", "b"}, "", misused("policy test", "unexpected argument \"b\"")},
+        "syncAgeMilliseconds] are not the runtime's sync_correction facts [driftMilliseconds, roundTripMilliseconds, "
+        "jitterMilliseconds, bufferAheadMilliseconds, rateX100, stallCount, syncAgeMilliseconds, "
+        "toleranceMilliseconds]\n0 passed, 1 failed\n", "", 1}},
+      {{"policy", "test", empty.string()}, "", refused("policy test", "no *.manifest.json in " + empty.string())},
+      {{"policy", "test", "/nonexistent"}, "", refused("policy test", "no such manifest or directory: /nonexistent")},
+      {{"policy", "test", "--frobnicate"}, "", misused("policy test", "unknown option --frobnicate")},
   });
   const auto verbose = run({"policy", "test", "-v"}, "");
   EXPECT_EQ(std::count(verbose.out.begin(), verbose.out.end(), '\n'), 80) << verbose;
+}
+
+// Every refusal of the manifest's schema, each by one edit of the bundled authorization manifest: the
+// message names the key (and the case), and the run fails.
+TEST(RavoOrxPolicy, TestRefusesEveryBreachOfTheManifestSchema) {
+  const Scratch scratch("ravo-orx-schema-");
+  const std::string original = fileText(kRoot / "policies/player_authz.manifest.json");
+  const std::string first = R"("controller main-screen command is allowed")";
+  const std::string firstFacts = R"("facts": [2, 6, 63, 1000, 900000, 0, 600, 1], "emits": [5201, 1, 6, 0, 3])";
+  struct Row {
+    std::string from, to, message;
+  };
+  const std::vector<Row> rows{
+      {R"("emitTag": 5201,)", R"("emitTag": 5201, "emitTags": 1,)",
+       R"(unknown key "emitTags" (the schema is docs/POLICY-MANIFEST.md))"},
+      {R"(  "hostAbi": "0.11",)" "\n", "", R"(missing key "hostAbi")"},
+      {R"("emitTag": 5201)", R"("emitTag": "5201")", R"("emitTag": expected an integer from -2147483648 to 2147483647)"},
+      {R"("emitTag": 5201)", R"("emitTag": 4294972497)", R"("emitTag": expected an integer from -2147483648 to 2147483647)"},
+      {R"("emitTag": 5201)", R"("emitTag": 5201.5)", R"("emitTag": expected an integer from -2147483648 to 2147483647)"},
+      {R"("emitTag": 5201)", R"("emitTag": 9999)", R"("emitTag": 9999 is not 5201, the runtime's for player_authz)"},
+      {R"("orxAbi": "0.10")", R"("orxAbi": "0.9")", R"("orxAbi": 0.9 is not 0.10, the runtime's for player_authz)"},
+      {R"("hostAbi": "0.11")", R"("hostAbi": 11)", R"("hostAbi": expected a string)"},
+      {R"("hostAbi": "0.11")", R"("hostAbi": "0.12")", R"("hostAbi": 0.12 is not 0.11, the runtime's for player_authz)"},
+      {R"("module": "player_authz")", R"("module": "player_auth")", R"("module": "player_auth" is no module of this runtime)"},
+      {R"("imports": [")", R"("imports": [7, ")", R"("imports"[0]: expected a string)"},
+      {R"("facts": ["role", )", R"("facts": ["rôle", )", R"("facts": [rôle, command)"},
+      {first + ", " + firstFacts, first + R"(, "facts": [2, 6, 63, 1000, 900000, 0, 600], "emits": [5201, 1, 6, 0, 3])",
+       "case " + first + R"(: "facts": has 7 values instead of 8)"},
+      {first + ", " + firstFacts, first + R"(, "facts": [2, 6, 63, 1000, 900000, 0, 600, 1], "emits": [5201, 1, 6])",
+       "case " + first + R"(: "emits": has 3 values instead of 5)"},
+      {first + ", " + firstFacts, first + ", " + firstFacts + R"(, "note": "x")",
+       R"("cases"[0]: unknown key "note" (the schema is docs/POLICY-MANIFEST.md))"},
+      {R"("renderer main-screen command needs a controller")", first,
+       "case " + first + ": the name is given to another case before it"},
+      {original.substr(original.find("\"cases\"")), "\"cases\": []\n}\n",
+       R"("cases": no cases: a manifest tests its module with at least one)"},
+      {"\n}\n", "\n}\n[]", "malformed JSON"},
+      {"\n}\n", std::string("\n}\n\0", 4), "malformed JSON: unexpected NUL byte"},
+  };
+  for (const auto& row : rows) {
+    const fs::path manifest = scratch.path / "player_authz.manifest.json";
+    writeFile(manifest, original);
+    replaceIn(manifest, row.from, row.to);
+    const auto outcome = run({"policy", "test", manifest.string()}, "");
+    EXPECT_TRUE(outcome.status == 1 && outcome.err.empty() &&
+                outcome.out.starts_with("FAIL player_authz: " + manifest.string() + ": ") &&
+                outcome.out.find(row.message) != std::string::npos && outcome.out.ends_with("0 passed, 1 failed\n"))
+        << row.to << "\n" << outcome;
+  }
+}
+
+// The manifest's contract with the module, held by `test` as by `build`: imports and decide.
+TEST(RavoOrxPolicy, TestHoldsTheModuleToTheManifestsContract) {
+  const Scratch scratch("ravo-orx-contract-");
+  fs::copy(kRoot / "policies/player_authz.wat", scratch.path);
+  const fs::path manifest = scratch.path / "player_authz.manifest.json";
+  const std::string emit = "func output.emit(i32, i32, i32, i32, i32) -> (i32)";
+  const std::string decide = "func decide(i32, i32, i32, i32, i32, i32, i32, i32) -> (i32)";
+  for (const auto& [from, to, problem] : std::vector<std::array<std::string, 3>>{
+           {emit, "func output.emit(i32) -> (i32)",
+            "\"imports\": the module imports [" + emit + "], the manifest lists [func output.emit(i32) -> (i32)]"},
+           {decide, "func decide(i32) -> (i32)", "\"decide\": the module exports no func decide(i32) -> (i32)"}}) {
+    fs::copy(kRoot / "policies/player_authz.manifest.json", manifest, fs::copy_options::overwrite_existing);
+    replaceIn(manifest, from, to);
+    EXPECT_EQ(run({"policy", "test", "--run", "admin", manifest.string()}, ""),
+              (Outcome{"FAIL player_authz: " + problem + "\n0 passed, 5 failed\n", "", 1}));
+  }
+}
+
+// --run selects by "module/case", --json reports on standard output, --junit writes JUnit XML.
+TEST(RavoOrxPolicy, TestSelectsCasesAndWritesReportsForMachines) {
+  const Scratch scratch("ravo-orx-reports-");
+  const fs::path junit = scratch.path / "results.xml";
+  const std::string selection = "player_authz/admin may|sync_correction/drift at the";
+  expectOutcomes({
+      {{"policy", "test", "-v", "--run", selection, "policies/player_authz.manifest.json", "policies"}, "",
+       printed("PASS player_authz \"admin may change settings\"\n"
+               "PASS player_authz \"admin may not pair without the pairing grant\"\n"
+               "PASS player_authz \"admin may change settings\"\n"
+               "PASS player_authz \"admin may not pair without the pairing grant\"\n"
+               "PASS sync_correction \"drift at the tolerance holds\"\n5 passed, 0 failed")},
+      {{"policy", "test", "--json", "--run", "drift at the", "--junit", junit.string()}, "",
+       printed(R"({"passed":1,"failed":0,"modules":[{"module":"sync_correction","cases":[)"
+               R"({"case":"drift at the tolerance holds","status":"pass"}]}]})")},
+      {{"policy", "test", "--run", "no such case"}, "", refused("policy test", "no case matches --run \"no such case\"")},
+      {{"policy", "test", "--run", "("}, "",
+       misused("policy test", "--run \"(\" is not a regular expression: Mismatched '(' and ')' in regular expression")},
+      // Under a file: no directory can be made there, and nothing is left behind.
+      {{"policy", "test", "--junit", (junit / "results.xml").string()}, "",
+       refused("policy test", "could not write " + (junit / "results.xml").string() + ": Not a directory")},
+  });
+  EXPECT_EQ(fileText(junit),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+            "<testsuites name=\"ravo-orx policy test\" tests=\"1\" failures=\"0\">\n"
+            "  <testsuite name=\"sync_correction\" tests=\"1\" failures=\"0\">\n"
+            "    <testcase classname=\"sync_correction\" name=\"drift at the tolerance holds\"/>\n"
+            "  </testsuite>\n</testsuites>\n");
+  EXPECT_EQ(std::vector<fs::path>(fs::directory_iterator(scratch.path), {}), std::vector<fs::path>{junit});
+
+  // A failing case, with text XML must escape, in both reports.
+  fs::copy(kRoot / "policies/player_authz.wat", scratch.path);
+  const fs::path manifest = scratch.path / "player_authz.manifest.json";
+  fs::copy(kRoot / "policies/player_authz.manifest.json", manifest);
+  replaceIn(manifest, R"("admin may change settings", "facts": [3, 8, 255, 1000, 900000, 0, 600, 1], "emits": [5201, 1, 8, 0, 3])",
+            R"("admin <may> & \"changes\"", "facts": [3, 8, 255, 1000, 900000, 0, 600, 1], "emits": [5201, 1, 8, 0, 4])");
+  const auto failing = run({"policy", "test", "--json", "--run", "<may>", "--junit", junit.string(), manifest.string()}, "");
+  EXPECT_EQ(failing, (Outcome{R"({"passed":0,"failed":1,"modules":[{"module":"player_authz","cases":[{"case":)"
+                              R"("admin <may> & \"changes\"","status":"fail","problem":"expected [5201, 1, 8, 0, 4], )"
+                              R"(emitted [5201, 1, 8, 0, 3]"}]}]})" "\n", "", 1}));
+  EXPECT_NE(fileText(junit).find("    <testcase classname=\"player_authz\" name=\"admin &lt;may&gt; &amp; &quot;changes"
+                                 "&quot;\">\n      <failure message=\"expected [5201, 1, 8, 0, 4], emitted "
+                                 "[5201, 1, 8, 0, 3]\"/>\n    </testcase>\n"),
+            std::string::npos)
+      << fileText(junit);
+}
+
+// A record the runtime refuses, explained by its rule; a second emission warned of; fuel and stack told.
+TEST(RavoOrxPolicy, EvalExplainsTheDecision) {
+  const Scratch scratch("ravo-orx-explain-");
+  auto module = [&](const std::string& name, const std::string& body) {
+    const auto bytes = assembleWat(authorizationModule(body));
+    writeFile(scratch.path / name, std::string(bytes.begin(), bytes.end()));
+    return (scratch.path / name).string();
+  };
+  const std::string twice = module("twice.wasm",
+                                   "(drop (call $emit (i32.const 5201) (i32.const 1) (local.get 1) (i32.const 0) "
+                                   "(i32.const 9))) (drop (call $emit (i32.const 5201) (i32.const 1) (local.get 1) "
+                                   "(i32.const 0) (i32.const 0))) (i32.const 1)");
+  const std::string budget = " units, stack 0 of 4000 units (a call's frame is 4 plus its parameters and locals, so "
+                             "recursion of a one-parameter function stops after 800 calls)\n";
+  const auto explained = run(with({"policy", "eval", "-v", twice, "authz"}, kPlays), "");
+  EXPECT_EQ(explained.out, R"({"isAllowed":false,"reason":"invalidResult","policyVersion":0,"source":"invalidOutput"})" "\n");
+  EXPECT_EQ(explained.status, 3);
+  EXPECT_TRUE(explained.err.ends_with("ravo-orx policy eval: decide returned 1\n"
+                                      "ravo-orx policy eval: emitted [5201, 1, 6, 0, 0]\n"
+                                      "ravo-orx policy eval: refused: [4] policy version 0 is outside 1…10000\n"
+                                      "ravo-orx policy eval: warning: emitted 2 times in one call; only the last "
+                                      "emission counts\n"
+                                      "ravo-orx policy eval: fuel 24 of 1000000" + budget))
+      << explained;
+  // Eleven calls of a one-parameter function deep: 11 frames of 4 + 1 stack units.
+  const auto deep = assembleWat(R"((module
+  (import "output" "emit" (func $emit (param i32 i32 i32 i32 i32) (result i32)))
+  (func $down (param i32) (result i32)
+    (if (result i32) (local.get 0) (then (call $down (i32.sub (local.get 0) (i32.const 1)))) (else (i32.const 0))))
+  (func (export "decide") (param i32 i32 i32 i32 i32 i32 i32 i32) (result i32) (call $down (i32.const 10)))))");
+  writeFile(scratch.path / "deep.wasm", std::string(deep.begin(), deep.end()));
+  const auto recursed = run(with({"policy", "eval", "-v", (scratch.path / "deep.wasm").string(), "authz"}, kPlays), "");
+  EXPECT_TRUE(recursed.status == 3 &&
+              std::regex_search(recursed.err, std::regex("refused: decide emitted nothing\n.*: fuel [0-9]+ of 1000000 "
+                                                         "units, stack 55 of 4000 units")))
+      << recursed;
+  // Without -v only why: the rule, here that the record does not repeat the facts' command.
+  const std::string echo = module("echo.wasm", "(drop (call $emit (i32.const 5201) (i32.const 0) (i32.const 7) "
+                                               "(i32.const 0) (i32.const 3))) (i32.const 0)");
+  const auto refused = run(with({"policy", "eval", echo, "authz"}, kPlays), "");
+  EXPECT_TRUE(refused.status == 3 &&
+              refused.err.ends_with("ravo-orx policy eval: refused: [2] command 7 is not the facts' command 6\n"))
+      << refused;
+}
+
+// `check` with a manifest runs its cases; `test` warns of a case whose call emitted twice.
+TEST(RavoOrxPolicy, CheckRunsTheCasesAndTestWarnsOfASecondEmission) {
+  const Scratch scratch("ravo-orx-cases-");
+  const fs::path manifest = scratch.path / "player_authz.manifest.json";
+  fs::copy(kRoot / "policies/player_authz.manifest.json", manifest);
+  replaceIn(manifest, R"("admin may change settings", "facts": [3, 8, 255, 1000, 900000, 0, 600, 1], "emits": [5201, 1, 8, 0, 3])",
+            R"("admin may change settings", "facts": [3, 8, 255, 1000, 900000, 0, 600, 1], "emits": [5201, 1, 8, 0, 4])");
+  const auto checked = run({"policy", "check", "artifacts/player_authz.wasm", manifest.string()}, "");
+  EXPECT_TRUE(checked.status == 1 &&
+              checked.out.ends_with("FAIL \"admin may change settings\": expected [5201, 1, 8, 0, 4], emitted "
+                                    "[5201, 1, 8, 0, 3]\ncases      31 passed, 1 failed\n") &&
+              checked.err == "ravo-orx policy check: artifacts/player_authz.wasm: 1 of the manifest's 32 cases failed\n")
+      << checked;
+
+  std::string source = fileText(kRoot / "policies/player_authz.wat");
+  const auto emit = source.find("(drop (call $emit");
+  ASSERT_NE(emit, std::string::npos);
+  source.insert(emit, "(drop (call $emit (i32.const 0) (i32.const 0) (i32.const 0) (i32.const 0) (i32.const 0))) ");
+  writeFile(scratch.path / "player_authz.wat", source);
+  fs::copy(kRoot / "policies/player_authz.manifest.json", manifest, fs::copy_options::overwrite_existing);
+  EXPECT_EQ(run({"policy", "test", "--run", "admin may change", manifest.string()}, ""),
+            printed("WARN player_authz \"admin may change settings\": emitted 2 times in one call; only the last "
+                    "emission counts\n1 passed, 0 failed"));
 }
 
 TEST(RavoOrxPolicy, Eval) {
@@ -143,12 +330,17 @@ TEST(RavoOrxPolicy, Eval) {
       {with({"policy", "eval", "-", "authz"}, kPlays), fileText(kRoot / "artifacts/player_authz.wasm"),
        printed(kAllowed)},
       {with({"policy", "eval", modules.trap(), "authz"}, kPlays), "",
-       {kTrapped + "\n", notApproved(modules.trap(), "fc2130c4"), 3}},
+       {kTrapped + "\n",
+        notApproved(modules.trap(), "fc2130c4") + "ravo-orx policy eval: trapped: RuntimeError: unreachable executed\n",
+        3}},
       // A module that never stops runs out of its execution budget.
       {with({"policy", "eval", modules.loop(), "authz"}, kPlays), "",
-       {kTrapped + "\n", notApproved(modules.loop(), "353a710f"), 3}},
+       {kTrapped + "\n",
+        notApproved(modules.loop(), "353a710f") +
+            "ravo-orx policy eval: trapped: RuntimeError: execution budget exhausted\n",
+        3}},
       {with({"policy", "eval", "/nonexistent.wasm", "authz"}, kPlays), "",
-       refused("could not read /nonexistent.wasm: No such file or directory")},
+       refused("policy eval", "could not read /nonexistent.wasm: No such file or directory")},
       {{"policy", "eval", "--facts=-", "-", "authz"}, "",
        misused("policy eval", "MODULE and --facts cannot both be standard input")},
       {{"policy", "eval", modules.trap(), "sync", "1"}, "", misused("policy eval", "sync takes 8 facts, got 1")},
@@ -174,25 +366,27 @@ TEST(RavoOrxPolicy, Check) {
       << loop;
   expectOutcomes({
       {{"policy", "check", authz, "policies/player_authz.manifest.json"}, "",
-       printed(description + "tier       precompiled\ncontract   matches policies/player_authz.manifest.json")},
+       printed(description + "tier       precompiled\ncontract   matches policies/player_authz.manifest.json\n"
+                             "cases      32 passed, 0 failed")},
       {{"policy", "check", authz, "policies/cinema_admission.manifest.json"}, "",
        {description +
-            "tier       precompiled\ncontract   refused: no export func decide(i32, i32, i32, i32, i32, i32, i32, i32, "
-            "i32, i32, i32, i32, i32) -> (i32)\n",
-        authz + ": no export func decide(i32, i32, i32, i32, i32, i32, i32, i32, i32, i32, i32, i32, i32) -> (i32)\n",
+            "tier       precompiled\ncontract   refused: \"decide\": the module exports no func decide(i32, i32, i32, "
+            "i32, i32, i32, i32, i32, i32, i32, i32, i32, i32) -> (i32)\n",
+        "ravo-orx policy check: " + authz + ": \"decide\": the module exports no func decide(i32, i32, i32, i32, "
+        "i32, i32, i32, i32, i32, i32, i32, i32, i32) -> (i32)\n",
         1}},
       {{"policy", "check", "-", "policies/player_authz.manifest.json"}, fileText(kRoot / authz),
        printed("module     standard input" + description.substr(description.find('\n')) +
-               "tier       precompiled\ncontract   matches policies/player_authz.manifest.json")},
+               "tier       precompiled\ncontract   matches policies/player_authz.manifest.json\ncases      32 passed, 0 failed")},
       {{"policy", "check", authz, "-"}, "{}",
-       refused("standard input: [json.exception.out_of_range.403] key 'module' not found")},
+       refused("policy check", "standard input: missing key \"module\"")},
       {{"policy", "check", "-", "-"}, "",
        misused("policy check", "MODULE and MANIFEST cannot both be standard input")},
       {{"policy", "check", "policies/player_authz.manifest.json"}, "",
-       refused("Could not instantiate ORX module player_authz.manifest: CompileError: 0000004: error: bad magic "
-               "value")},
+       refused("policy check",
+               "Could not instantiate ORX module player_authz.manifest: CompileError: 0000004: error: bad magic value")},
       {{"policy", "check", authz, "/nonexistent.json"}, "",
-       refused("could not read /nonexistent.json: No such file or directory")},
+       refused("policy check", "could not read /nonexistent.json: No such file or directory")},
   });
 }
 
@@ -207,7 +401,7 @@ TEST(RavoOrxPolicy, Bench) {
                                                      "on the precompiled tier \\(median of 3 runs of 200 decisions\\)\n")))
       << timed;
   const auto trapped = run(with({"policy", "bench", "--runs=1", "--decisions=10", modules.loop(), "authz"}, kPlays), "");
-  EXPECT_TRUE(trapped.status == 0 && trapped.out.find(" on the interpreted tier (median of 1 runs of 10 decisions)\n") !=
+  EXPECT_TRUE(trapped.status == 3 && trapped.out.find(" on the interpreted tier (median of 1 runs of 10 decisions)\n") !=
                                          std::string::npos &&
               trapped.err == "ravo-orx policy bench: warning: these facts give the fail-safe decision (trap)\n")
       << trapped;
@@ -215,7 +409,7 @@ TEST(RavoOrxPolicy, Bench) {
       {with({"policy", "bench", "--runs", "0", modules.trap(), "authz"}, kPlays), "",
        misused("policy bench", "--runs must be an integer from 1 to 101, got \"0\"")},
       {with({"policy", "bench", "policies/player_authz.manifest.json", "authz"}, kPlays), "",
-       refused("Could not instantiate ORX module player_authz: CompileError: 0000004: error: bad magic value")},
+       refused("policy bench", "Could not instantiate ORX module player_authz: CompileError: 0000004: error: bad magic value")},
   });
 }
 
@@ -285,7 +479,8 @@ TEST(RavoOrxPolicy, BuildWritesNothingWhenACheckFails) {
   EXPECT_TRUE(outcome.err.starts_with("ravo-orx policy build: player_authz: controller main-screen command is allowed: expected "
                                       "[5201, 1, 6, 0, 3], emitted [5201, 1, 6, 0, 4]\n"))
       << outcome.err;
-  EXPECT_TRUE(outcome.err.ends_with("ravo-orx policy build: cinema_admission: the runtime admits orxAbi 0.10 and hostAbi 0.11\n"
+  EXPECT_TRUE(outcome.err.ends_with("ravo-orx policy build: cinema_admission: cinema_admission.manifest.json: \"orxAbi\": 0.9 is not 0.10, "
+                                    "the runtime's for cinema_admission\n"
                                     "ravo-orx policy build: the package check failed; nothing was written\n"))
       << outcome.err;
   EXPECT_FALSE(fs::exists(tree.root / "artifacts"));
@@ -293,7 +488,7 @@ TEST(RavoOrxPolicy, BuildWritesNothingWhenACheckFails) {
 
   const Scratch elsewhere("ravo-orx-elsewhere-");
   expectOutcomes({{{"policy", "build"}, "",
-                   refused("ravo-orx policy build runs from the repository root (no " + kConstantsHeader.string() +
+                   refused("policy build", "it runs from the repository root (no " + kConstantsHeader.string() +
                            " and tools/package_check/ here)")},
                   {{"policy", "build", "extra"}, "", misused("policy build", "unexpected argument \"extra\"")}},
                  elsewhere.path);

@@ -87,6 +87,10 @@ struct Case {
 
 inline Outcome printed(const std::string& out) { return {out + "\n", "", 0}; }
 inline Outcome refused(const std::string& err) { return {"", err + "\n", 1}; }
+// The policy toolchain names its command on every message.
+inline Outcome refused(const std::string& command, const std::string& err) {
+  return refused("ravo-orx " + command + ": " + err);
+}
 inline Outcome misused(const std::string& command, const std::string& message) {
   return {"", "ravo-orx " + command + ": " + message + " (see 'ravo-orx " + command + " --help')\n", 2};
 }

@@ -29,6 +29,9 @@ namespace ravo::orx::internal {
 inline constexpr const char* kOrxFuelExport = "orx:fuel";
 inline constexpr const char* kOrxStackExport = "orx:stack";
 inline constexpr const char* kOrxStartExport = "orx:start";
+// Only in a rewrite for the toolchain's measurements: the deepest the stack global went during a call.
+// Keeping it is not charged, so a measured call uses exactly the fuel the host's own rewrite charges.
+inline constexpr const char* kOrxPeakStackExport = "orx:peak-stack";
 
 // The text of a metered module's trap when the budget globals show it was a budget trap, else nothing.
 inline std::optional<std::string> budgetTrapText(std::int64_t fuel, std::uint32_t stack) {
@@ -38,7 +41,8 @@ inline std::optional<std::string> budgetTrapText(std::int64_t fuel, std::uint32_
 }
 
 // Fills `metered` and returns nothing, or returns the refusal ("CompileError: …"). `bytes` must have
-// passed the load budgets and wabt's validation.
-std::optional<std::string> meterModule(const std::uint8_t* bytes, std::size_t size, std::vector<std::uint8_t>& metered);
+// passed the load budgets and wabt's validation. `keepPeakStack` adds the kOrxPeakStackExport global.
+std::optional<std::string> meterModule(const std::uint8_t* bytes, std::size_t size, std::vector<std::uint8_t>& metered,
+                                       bool keepPeakStack = false);
 
 }  // namespace ravo::orx::internal

@@ -64,6 +64,22 @@ class OrxModuleInstance {
   virtual OrxInvocation invoke(const std::int32_t* arguments, std::size_t count) = 0;
 };
 
+// What the toolchain learns of a call beyond its outcome, to explain it to a policy's author; the
+// decisions runtime never asks.
+struct OrxCallMeasure {
+  std::size_t emits = 0;  // how often the call emitted; only the last emission counts
+  // The fuel the host's metering charged; more than kOrxFuelPerCall when the call ran out.
+  std::uint64_t fuel = 0;
+  std::uint64_t peakStackUnits = 0;  // the deepest the call stack went, counted as the budget counts it
+};
+
+// An interpreted instance that runs every module metered (even one proven bounded, which the host runs
+// as it is), so that each call's fuel and stack are counted, and keeps the last call's measure.
+class OrxMeasuredModuleInstance : public OrxModuleInstance {
+ public:
+  virtual OrxCallMeasure lastMeasure() const = 0;
+};
+
 struct OrxInstantiationFailure {
   enum class Kind {
     invalidModule,   // not WebAssembly, invalid, over a load budget, or linking/instantiation failed
@@ -78,6 +94,10 @@ struct OrxInstantiationFailure {
 // `failure`.
 std::unique_ptr<OrxModuleInstance> instantiateInterpretedModule(const std::uint8_t* bytes, std::size_t size,
                                                                 OrxInstantiationFailure& failure);
+
+// As instantiateInterpretedModule, metered whatever the module, for measurements.
+std::unique_ptr<OrxMeasuredModuleInstance> instantiateMeasuredModule(const std::uint8_t* bytes, std::size_t size,
+                                                                     OrxInstantiationFailure& failure);
 
 // The approved module with this digest compiled to native code at build time, or null when the build
 // compiled no module with that digest. Callers verify the bytes first, like any module's.

@@ -8,6 +8,7 @@
 #include <span>
 #include <string_view>
 
+#include <ravo-orx/engine/OrxModuleInstance.h>
 #include <ravo-orx/runtime/LoadedModule.h>
 
 namespace ravo::orx::internal {
@@ -19,5 +20,10 @@ namespace ravo::orx::internal {
 // engine cannot set up its store.
 std::unique_ptr<LoadedModule> loadModule(std::string_view name, std::span<const std::uint8_t> bytes,
                                          bool allowPrecompiled = true);
+
+// The same bytes in an interpreted instance that counts each call's emissions, fuel and stack, for the
+// toolchain's explanations (OrxMeasuredModuleInstance). Throws as loadModule does.
+std::unique_ptr<OrxMeasuredModuleInstance> loadMeasuredModule(std::string_view name,
+                                                              std::span<const std::uint8_t> bytes);
 
 }  // namespace ravo::orx::internal

@@ -18,10 +18,11 @@ struct OrxPolicyCaseResult {
   const OrxPolicyCase* policyCase;
   std::string problem;                // empty when the case passed: "expected [..], emitted [..]"
   std::optional<std::int32_t> reason;  // the reason code the module emitted, if it emitted a record
+  std::size_t emits = 0;               // how often the call emitted: more than once is worth a warning
 };
 
-// Throws std::runtime_error when the manifest's facts are not the kind's, and RuntimeError with the
-// module host's text when the module does not load.
+// `manifest` is decoded (its facts are the kind's). Throws RuntimeError with the module host's text
+// when the module does not load.
 std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest,
                                                 const OrxDecisionKind& kind);
 
