@@ -71,8 +71,9 @@ int runBench(OrxCliArguments& arguments) {
 }  // namespace
 
 constinit const OrxCliCommand kOrxCliPolicyBenchCommand{
-    "bench", "MODULE.wasm authz|sync|cinema (FACT... | --facts FILE|-) [--runs N] [--decisions N]",
+    "bench", "MODULE authz|sync|cinema (FACT... | --facts FILE|-) [--runs N] [--decisions N]",
     "time a module's decisions",
+    "MODULE is a module (.wasm) or a policy's source (.wat, .c, .rs), compiled as 'policy build' does.\n"
     "Loads MODULE ('-' for standard input) as the runtime would, on the tier it would run on (native\n"
     "code when this build compiled exactly these bytes, the interpreter otherwise), and times the\n"
     "decision with the facts given as for 'ravo-orx decide': N runs (default 5) of N decisions (default\n"

@@ -104,7 +104,8 @@ int runCheck(OrxCliArguments& arguments) {
 }  // namespace
 
 constinit const OrxCliCommand kOrxCliPolicyCheckCommand{
-    "check", "MODULE.wasm [MANIFEST]", "load a module as the runtime would and describe it",
+    "check", "MODULE [MANIFEST]", "load a module as the runtime would and describe it",
+    "MODULE is a module (.wasm) or a policy's source (.wat, .c, .rs), compiled as 'policy build' does.\n"
     "Loads MODULE through the runtime's module host and its load budgets, and prints its SHA-256, its\n"
     "imports and exports, whether this build approves its digest, how its execution is bounded (its\n"
     "proven worst case per call, or why it is metered) and the tier it would run on. It then checks the\n"

@@ -58,7 +58,8 @@ int runEval(OrxCliArguments& arguments) {
 }  // namespace
 
 constinit const OrxCliCommand kOrxCliPolicyEvalCommand{
-    "eval", "MODULE.wasm authz|sync|cinema (FACT... | --facts FILE|-) [-v]", "take one decision with any module",
+    "eval", "MODULE authz|sync|cinema (FACT... | --facts FILE|-) [-v]", "take one decision with any module",
+    "MODULE is a module (.wasm) or a policy's source (.wat, .c, .rs), compiled as 'policy build' does.\n"
     "Loads MODULE ('-' for standard input) through the runtime's module host on the interpreter,\n"
     "approved or not, takes one decision with the facts given as for 'ravo-orx decide', and prints it\n"
     "exactly as decide does, with its \"source\". Standard error says why a decision is fail-safe: the\n"
