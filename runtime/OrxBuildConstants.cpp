@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "94354eb1bc3b3873f475439f7d423cb7da5078afbf3b148f21fae54b2976bcfd";
+  static const std::string value = "3de5c51f253cc1e5581003f3e58028862a4cf0082e63f84d13141b0b62cd3df2";
   return value;
 }
 

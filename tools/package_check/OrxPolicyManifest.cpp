@@ -95,7 +95,8 @@ template <class Object>
 void decodeObject(const RavoJSON& json, const std::string& where, Object& out) {
   if (!json.is_object()) refuse(where, "expected an object");
   const auto keys = keysOf<Object>();
-  for (const auto& [name, value] : json.items()) {
+  for (const auto& item : json.items()) {
+    const std::string& name = item.key();
     if (std::none_of(keys.begin(), keys.end(), [&](const auto& key) { return key.name == name; })) {
       refuse(where, "unknown key " + inQuotes(name) + " (the schema is docs/POLICY-MANIFEST.md)");
     }
