@@ -44,6 +44,7 @@ class RAVO_ORX_API OrxPolicyRuntime {
   std::uint64_t failureCount() const noexcept;
   // The decision log, or null when the runtime was made without one.
   OrxDecisionLog* decisionLog() noexcept { return decisionLog_.get(); }
+  const OrxDecisionLog* decisionLog() const noexcept { return decisionLog_.get(); }
 
   OrxAuthorizationDecision authorize(const AuthorizationFacts& facts) noexcept {
     return authorizeWithSource(facts).decision;
