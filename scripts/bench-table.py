@@ -104,6 +104,17 @@ def decisions(build):
             for kind in ("Authorize", "Sync", "Cinema")}
 
 
+def logged_decisions(build):
+    bench = os.path.join(build, "bench", "decision_log_bench")
+    report = subprocess.run([bench, "--benchmark_filter=^BM_Authorize_(NoLog|RingLog|FileLog|CallbackLog)$",
+                             "--benchmark_repetitions=5", "--benchmark_report_aggregates_only=true",
+                             "--benchmark_format=json"], check=True, capture_output=True, text=True).stdout
+    medians = {b["run_name"]: b["cpu_time"] for b in json.loads(report)["benchmarks"]
+               if b.get("aggregate_name") == "median"}
+    return {sink: (medians[f"BM_Authorize_{sink}Log"], medians["BM_Authorize_NoLog"])
+            for sink in ("Ring", "File", "Callback")}
+
+
 def main():
     build, runs = sys.argv[1], int(sys.argv[2])
     tool = os.path.join(build, "checks", "ravo-orx")
@@ -122,6 +133,7 @@ def main():
     scenario = compare([tool, "scenario", "digest", graph], [sys.executable, "-c", PYTHON_GRAPH_DIGEST, graph], runs,
                        lambda a, b: hex_of(a) == hex_of(b))
     decided = decisions(build)
+    logged = logged_decisions(build)
 
     document_mib = os.path.getsize(document) / (1 << 20)
     rows = [
@@ -138,6 +150,10 @@ def main():
     for kind, (precompiled, floor) in decided.items():
         rows.append((f"{kind.lower()} decision: precompiled / native floor", f"{precompiled:.1f} ns",
                      f"{floor:.1f} ns", precompiled / floor, "<= 3"))
+
+    for sink, (with_log, without) in logged.items():
+        rows.append((f"authz decision with the {sink.lower()} log / without (+{with_log - without:.1f} ns)",
+                     f"{with_log:.1f} ns", f"{without:.1f} ns", with_log / without, "+20 ns"))
 
     print(f"ORX benchmark table · median CPU time of {runs} alternating runs per command; decisions: "
           "policy_decision_bench medians of 5")
