@@ -29,7 +29,7 @@ void orxCliPrintLogSummary(const OrxDecisionLogVerifier& verifier) {
                 std::to_string(gap.firstSequence + gap.count - 1) + " dropped (declared by block " +
                 std::to_string(gap.block) + ")");
   }
-  if (verifier.unsealedRecords() > 0) {
+  if (verifier.unsealedRecords() > 0 && !verifier.problem()) {
     orxCliPrint("unsealed: " + std::to_string(verifier.unsealedRecords()) + " records after line " +
                 std::to_string(verifier.lastSealLine()) + " are not sealed yet (a writer still running, or one "
                 "that stopped before sealing them)");
