@@ -14,26 +14,12 @@
 #include <new>
 #include <unistd.h>
 
+#include "bench/AllocationCounter.h"
 #include <ravo-orx/checks/OrxRuntimeCheckCatalog.h>
 #include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/OrxDecisionLogSinks.h>
 #include <ravo-orx/runtime/OrxDecisionLogWriter.h>
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
-
-namespace {
-thread_local std::uint64_t allocations = 0;
-}  // namespace
-
-// These replace the global allocation functions as a pair, so malloc/free match; g++ cannot see that.
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size ? size : 1)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace ravo::orx {
 
@@ -81,7 +67,7 @@ void measure(benchmark::State& state, Sink sink, bool sustained) {
     decider.setRecorder(writer.get());
   }
   AuthorizationFacts facts = orx_check_facts::controllerCommand;
-  const auto before = allocations;
+  const auto before = orxBenchAllocations;
   std::size_t sinceFlush = 0;
   for (auto _ : state) {
     benchmark::DoNotOptimize(facts);
@@ -94,7 +80,7 @@ void measure(benchmark::State& state, Sink sink, bool sustained) {
     }
   }
   state.counters["allocs/decision"] =
-      benchmark::Counter(static_cast<double>(allocations - before) / static_cast<double>(state.iterations()));
+      benchmark::Counter(static_cast<double>(orxBenchAllocations - before) / static_cast<double>(state.iterations()));
   if (writer) {
     writer->flush();
     state.counters["dropped"] = static_cast<double>(writer->dropped());
