@@ -129,7 +129,10 @@ void OrxDecisionLogWriter::run() {
       ticket = flushRequested_;
       stopping = stopping_;
     }
-    const bool overdue = std::chrono::steady_clock::now() - blockOpened_ >= options_.sealAfter;
+    // Only an open block can be overdue: a record arriving after a quiet spell starts a block, it
+    // does not get sealed alone.
+    const bool overdue = blockIsOpen(issued_.load(std::memory_order_acquire)) &&
+                         std::chrono::steady_clock::now() - blockOpened_ >= options_.sealAfter;
     drain(stopping || ticket > flushDone_ || overdue);
     {
       std::lock_guard guard(wakeLock_);

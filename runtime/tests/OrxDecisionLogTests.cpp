@@ -128,6 +128,30 @@ TEST_F(OrxDecisionLogRecords, EveryPathOfEveryKindReadsBackAsDecided) {
   EXPECT_EQ(verifyLines(empty.ring->lines()), std::nullopt);
 }
 
+// A block is sealed when it is full, or when it has been open for `sealAfter`: a record that comes
+// after a quiet spell opens a block, it is not sealed alone.
+TEST_F(OrxDecisionLogRecords, BlocksAreSealedWhenFullOrOverdue) {
+  OrxDecisionLogOptions options;
+  options.blockRecords = 3;
+  options.sealAfter = std::chrono::milliseconds(100);
+  LoggedPuppets logged(options);
+  const auto sealSizes = [&] {
+    std::vector<std::size_t> sizes;
+    for (const auto& line : logged.ring->lines()) {
+      const auto read = orxReadDecisionLogLine(line);
+      if (read.type == OrxDecisionLogLine::Type::seal) sizes.push_back(read.seal.records.size());
+    }
+    return sizes;
+  };
+  for (int i = 0; i < 4; ++i) logged.decider.authorize(kAllowedAuthorization);
+  std::this_thread::sleep_for(std::chrono::milliseconds(400));
+  EXPECT_EQ(sealSizes(), (std::vector<std::size_t>{3, 1})) << "full, then overdue";
+  logged.decider.authorize(kAllowedAuthorization);
+  logged.decider.authorize(kAllowedAuthorization);
+  logged.writer->flush();
+  EXPECT_EQ(sealSizes(), (std::vector<std::size_t>{3, 1, 2}));
+}
+
 // Lines a reader must refuse even though they are JSON: each names what is wrong.
 TEST_F(OrxDecisionLogRecords, MalformedLinesAreRefusedWithTheReason) {
   LoggedPuppets logged;
