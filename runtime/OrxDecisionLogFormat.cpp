@@ -93,6 +93,14 @@ std::optional<std::int32_t> caseValue(OrxDecisionFieldForm form, std::string_vie
   return std::nullopt;
 }
 
+void appendFieldValue(std::string& out, const OrxDecisionField& field, std::int32_t value) {
+  switch (field.form) {
+    case OrxDecisionFieldForm::boolean: Text::appendBoolean(out, value != 0); break;
+    case OrxDecisionFieldForm::integer: Text::appendInteger(out, value); break;
+    default: Text::appendEscaped(out, caseName(field.form, value));
+  }
+}
+
 void appendDecision(std::string& out, const OrxDecisionRecord& record) {
   const auto& kind = record.kindEntry();
   const auto& order = kindOrder(record.kind);
@@ -100,13 +108,8 @@ void appendDecision(std::string& out, const OrxDecisionRecord& record) {
   for (std::size_t i = 0; i < kind.decisionFields.size(); ++i) {
     if (i > 0) out.push_back(',');
     const auto& field = kind.decisionFields[order.decision[i]];
-    const std::int32_t value = record.decision[order.decision[i]];
     key(out, field.name);
-    switch (field.form) {
-      case OrxDecisionFieldForm::boolean: Text::appendBoolean(out, value != 0); break;
-      case OrxDecisionFieldForm::integer: Text::appendInteger(out, value); break;
-      default: Text::appendEscaped(out, caseName(field.form, value));
-    }
+    appendFieldValue(out, field, record.decision[order.decision[i]]);
   }
   out.push_back('}');
 }
@@ -335,6 +338,14 @@ void orxAppendSealLine(std::string& out, const OrxDecisionLogSeal& seal) {
     Text::appendEscaped(out, seal.records[i]);
   }
   out += "],\"type\":\"seal\"}";
+}
+
+std::string orxDecisionFieldText(const OrxDecisionField& field, std::int32_t value) {
+  std::string text;
+  appendFieldValue(text, field, value);
+  return field.form == OrxDecisionFieldForm::boolean || field.form == OrxDecisionFieldForm::integer
+             ? text
+             : text.substr(1, text.size() - 2);  // the case name without its quotes
 }
 
 std::string orxDecisionLogLineDigest(std::string_view domain, std::string_view line) {

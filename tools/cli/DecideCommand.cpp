@@ -13,6 +13,9 @@ namespace ravo::orx {
 
 namespace {
 
+// A facts object is under 1 KiB; a longer line is refused before it is held.
+constexpr std::size_t kFactsLineLimit = 64 << 10;
+
 // A log written from the command line never drops a record: the decision waits for room instead.
 OrxDecisionLogOptions fileLog(const std::optional<std::string>& logFile) {
   OrxDecisionLogOptions options;
@@ -39,7 +42,7 @@ int decideLines(const OrxDecisionKind& kind, OrxPolicyRuntime& runtime, const st
     }
     status = std::max(status, orxCliPrintAnswer(orxDecide(kind, runtime, facts)));
   };
-  const std::string last = orxCliReadLines(file, kOrxCliInputByteLimit, decideLine);
+  const std::string last = orxCliReadLines(file, kFactsLineLimit, decideLine);
   if (!last.empty()) decideLine(last);
   return status;
 }
@@ -54,7 +57,12 @@ int runDecide(OrxCliArguments& arguments) {
   const std::optional<std::string> logFile = arguments.option("--log");
   const OrxDecisionKind& kind = orxCliPolicyKind(arguments);
   if (factsFile && factsLines) throw OrxCliUsageError("--facts and --facts-lines do not go together");
-  const auto facts = factsLines ? (arguments.finish(), std::vector<std::int32_t>{}) : orxCliFacts(arguments, kind, factsFile);
+  std::vector<std::int32_t> facts;
+  if (factsLines) {
+    arguments.finish();
+  } else {
+    facts = orxCliFacts(arguments, kind, factsFile);
+  }
   OrxPolicyRuntime runtime(artifacts, fileLog(logFile));
   if (runtime.loadError()) {
     orxCliWarn("ravo-orx decide", "the policy artifacts did not load: " + *runtime.loadError());

@@ -6,6 +6,7 @@
 #include <ravo-orx/core/ORXSHA256.h>
 #include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
+#include <ravo-orx/runtime/OrxDecisionLogFormat.h>
 #include <ravo-orx/runtime/OrxPolicyRuntime.h>
 #include <ravo-orx/cli/OrxCliCommand.h>
 #include <ravo-orx/cli/OrxCliDecisionLog.h>
@@ -75,7 +76,7 @@ std::string fieldText(const OrxDecisionRecord& record, std::string_view field) {
     return text + "]";
   }
   for (std::size_t i = 0; i < kind.decisionFields.size(); ++i) {
-    if (kind.decisionFields[i].name == field) return std::to_string(record.decision[i]);
+    if (kind.decisionFields[i].name == field) return orxDecisionFieldText(kind.decisionFields[i], record.decision[i]);
   }
   return {};
 }

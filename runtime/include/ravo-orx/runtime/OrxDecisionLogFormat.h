@@ -56,6 +56,9 @@ struct OrxDecisionLogLine {
   OrxDecisionLogSeal seal;
 };
 
+// A decision field's value as a record writes it: "true"/"false", the integer, or the case's name.
+std::string orxDecisionFieldText(const OrxDecisionField& field, std::int32_t value);
+
 // Reads one line strictly: canonical JSON, exactly the keys of a record or a seal, every number in its
 // field's range (facts and decision fields 32-bit, never wrapped), every name a case of its field.
 // Throws std::runtime_error saying what is wrong (the caller adds where).
