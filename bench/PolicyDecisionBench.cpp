@@ -12,24 +12,10 @@
 #include <mutex>
 #include <new>
 
+#include "bench/AllocationCounter.h"
 #include <ravo-orx/checks/OrxRuntimeCheckCatalog.h>
 #include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
-
-namespace {
-std::atomic<std::uint64_t> allocations{0};
-}  // namespace
-
-// These replace the global allocation functions as a pair, so malloc/free match; g++ cannot see that.
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-
-void* operator new(std::size_t size) {
-  allocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* memory = std::malloc(size ? size : 1)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace ravo::orx {
 
@@ -121,13 +107,13 @@ OrxCinemaAdmissionDecision floorDecideCinemaAdmission(const CinemaAdmissionFacts
 template <class Facts, class Decide>
 void measure(benchmark::State& state, const Facts& facts, Decide decide) {
   Facts opaque = facts;
-  const auto before = allocations.load();
+  const auto before = orxBenchAllocations;
   for (auto _ : state) {
     benchmark::DoNotOptimize(opaque);
     benchmark::DoNotOptimize(decide(opaque));
   }
   if (state.thread_index() == 0) {
-    state.counters["allocs/decision"] = benchmark::Counter(static_cast<double>(allocations.load() - before) /
+    state.counters["allocs/decision"] = benchmark::Counter(static_cast<double>(orxBenchAllocations - before) /
                                                            static_cast<double>(state.iterations()));
   }
 }

@@ -1,11 +1,14 @@
 // The decisions runtime behind the C API: an orx_runtime is an OrxPolicyRuntime, and the C structs are
 // the C++ facts and decisions field for field.
 
+#include <cstring>
+#include <memory>
 #include <new>
 #include <type_traits>
 
 #include <ravo-orx/orx.h>
 #include <ravo-orx/runtime/OrxDecisionKinds.h>
+#include <ravo-orx/runtime/OrxDecisionLogSinks.h>
 #include <ravo-orx/runtime/OrxPolicyRuntime.h>
 
 #include "OrxCApiCalls.h"
@@ -83,6 +86,51 @@ OrxSourcedDecision<Decision> unavailable(Decision failSafe) {
   return {failSafe, OrxDecisionSource::moduleUnavailable};
 }
 
+// The C options as the runtime's; throws std::invalid_argument or the file sink's refusal.
+OrxDecisionLogOptions logOptions(const orx_decision_log_options& c) {
+  OrxDecisionLogOptions options;
+  if (c.file) {
+    const auto sync = c.file_sync == ORX_LOG_SYNC_AFTER_BATCH ? OrxDecisionLogFileSync::afterBatch
+                      : c.file_sync == ORX_LOG_SYNC_AFTER_SEAL ? OrxDecisionLogFileSync::afterSeal
+                                                               : OrxDecisionLogFileSync::none;
+    options.sink = std::make_shared<OrxDecisionLogFileSink>(c.file, sync);
+  } else if (c.callback) {
+    options.sink = std::make_shared<OrxDecisionLogCallbackSink>(
+        [callback = c.callback, context = c.context](std::string_view line, OrxDecisionLogLineType type) {
+          callback(context, line.data(), line.size(), type == OrxDecisionLogLineType::seal ? 1 : 0);
+        });
+  } else {
+    throw std::invalid_argument("a decision log needs a file or a callback");
+  }
+  if (c.buffer_records) options.bufferRecords = c.buffer_records;
+  if (c.block_records) options.blockRecords = c.block_records;
+  options.whenFull = c.when_full == ORX_LOG_WHEN_FULL_BLOCK ? OrxDecisionLogWhenFull::block : OrxDecisionLogWhenFull::drop;
+  return options;
+}
+
+orx_status opened(orx_runtime* runtime) {
+  const OrxPolicyRuntime& opened = runtime->runtime;
+  if (!opened.loadError()) return ORX_OK;
+  bool any = opened.isAuthorizationAvailable() || opened.isSyncAvailable() || opened.isCinemaAdmissionAvailable();
+  return orxCFailure(any ? ORX_STATUS_PARTIALLY_AVAILABLE : ORX_STATUS_UNAVAILABLE, *opened.loadError());
+}
+
+std::optional<std::filesystem::path> directoryOf(const char* artifacts_directory) {
+  if (!artifacts_directory) return std::nullopt;
+  return artifacts_directory;
+}
+
+// The runtime's log, or null after recording why there is none.
+const OrxDecisionLog* logOf(const orx_runtime* runtime) {
+  if (!runtime) {
+    orxCFailure(ORX_STATUS_NULL_ARGUMENT, "runtime is NULL");
+    return nullptr;
+  }
+  const OrxDecisionLog* log = runtime->runtime.decisionLog();
+  if (!log) orxCFailure(ORX_STATUS_UNAVAILABLE, "the runtime was opened without a decision log");
+  return log;
+}
+
 }  // namespace
 }  // namespace ravo::orx::internal
 
@@ -95,13 +143,62 @@ orx_status orx_runtime_open(const char* artifacts_directory, orx_runtime** runti
   if (!runtime) return orxCFailure(ORX_STATUS_NULL_ARGUMENT, "runtime is NULL");
   *runtime = nullptr;
   return orxCCall([&]() -> orx_status {
-    std::optional<std::filesystem::path> directory;
-    if (artifacts_directory) directory = artifacts_directory;
-    *runtime = new orx_runtime{OrxPolicyRuntime(std::move(directory))};
-    const OrxPolicyRuntime& opened = (*runtime)->runtime;
-    if (!opened.loadError()) return ORX_OK;
-    bool any = opened.isAuthorizationAvailable() || opened.isSyncAvailable() || opened.isCinemaAdmissionAvailable();
-    return orxCFailure(any ? ORX_STATUS_PARTIALLY_AVAILABLE : ORX_STATUS_UNAVAILABLE, *opened.loadError());
+    *runtime = new orx_runtime{OrxPolicyRuntime(directoryOf(artifacts_directory))};
+    return opened(*runtime);
+  });
+}
+
+orx_status orx_runtime_open_with_log(const char* artifacts_directory, const orx_decision_log_options* log,
+                                     orx_runtime** runtime) {
+  if (!runtime || !log) return orxCFailure(ORX_STATUS_NULL_ARGUMENT, "runtime or log is NULL");
+  *runtime = nullptr;
+  return orxCCall([&]() -> orx_status {
+    OrxDecisionLogOptions options;
+    try {
+      options = logOptions(*log);
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& error) {
+      return orxCFailure(ORX_STATUS_INVALID_INPUT, error.what());
+    }
+    try {
+      *runtime = new orx_runtime{OrxPolicyRuntime(directoryOf(artifacts_directory), std::move(options))};
+    } catch (const std::invalid_argument& error) {
+      return orxCFailure(ORX_STATUS_INVALID_INPUT, error.what());
+    }
+    return opened(*runtime);
+  });
+}
+
+orx_status orx_runtime_log_flush(orx_runtime* runtime) {
+  if (!logOf(runtime)) return runtime ? ORX_STATUS_UNAVAILABLE : ORX_STATUS_NULL_ARGUMENT;
+  return orxCCall([&] {
+    runtime->runtime.decisionLog()->flush();
+    return ORX_OK;
+  });
+}
+
+orx_status orx_runtime_log_head(const orx_runtime* runtime, char digest[ORX_DIGEST_TEXT_SIZE]) {
+  if (!digest) return orxCFailure(ORX_STATUS_NULL_ARGUMENT, "digest is NULL");
+  digest[0] = '\0';
+  const OrxDecisionLog* log = logOf(runtime);
+  if (!log) return runtime ? ORX_STATUS_UNAVAILABLE : ORX_STATUS_NULL_ARGUMENT;
+  return orxCCall([&] {
+    if (const auto head = log->head()) std::memcpy(digest, head->c_str(), std::min<std::size_t>(head->size() + 1, ORX_DIGEST_TEXT_SIZE));
+    return ORX_OK;
+  });
+}
+
+orx_status orx_runtime_log_counts(const orx_runtime* runtime, uint64_t* written, uint64_t* dropped, uint64_t* lost) {
+  if (!written || !dropped || !lost) return orxCFailure(ORX_STATUS_NULL_ARGUMENT, "a count is NULL");
+  const OrxDecisionLog* log = logOf(runtime);
+  if (!log) return runtime ? ORX_STATUS_UNAVAILABLE : ORX_STATUS_NULL_ARGUMENT;
+  *written = log->recordsWritten();
+  *dropped = log->recordsDropped();
+  *lost = log->recordsLost();
+  return orxCCall([&] {
+    const auto error = log->error();
+    return error ? orxCFailure(ORX_STATUS_LOG_FAILED, *error) : ORX_OK;
   });
 }
 

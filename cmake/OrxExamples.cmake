@@ -7,7 +7,7 @@
 # package.shadowing_application builds tests/shadowing_application the same way.
 # The README's embedding example is compiled with the tree, so the README cannot drift from the API.
 
-set(orx_examples decisions action_broker pixmor_transport)
+set(orx_examples decisions decision_log action_broker pixmor_transport)
 set(orx_examples_work ${PROJECT_BINARY_DIR}/examples-work)
 set(orx_example_script ${CMAKE_CURRENT_LIST_DIR}/OrxExampleStep.cmake)
 

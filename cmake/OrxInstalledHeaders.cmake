@@ -4,7 +4,8 @@
 set(ORX_INCLUDE_ROOTS core/include host_contract/include contracts/support/include contracts/definitions/include
   contracts/actions/include contracts/scenarios/include contracts/services/include runtime/include
   capi/include adapters/include)
-set(ORX_INTERNAL_HEADERS LoadedModule.h OrxArtifactFiles.h OrxEmittedRecordRules.h OrxEvidence.h OrxPolicyDecider.h)
+set(ORX_INTERNAL_HEADERS LoadedModule.h OrxArtifactFiles.h OrxEmittedRecordRules.h OrxEvidence.h OrxPolicyDecider.h
+  OrxDecisionRecord.h OrxDecisionLogFormat.h OrxDecisionLogWriter.h OrxDecisionLogVerifier.h)
 
 function(orx_installed_headers out)
   set(headers)

@@ -1,5 +1,7 @@
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <string_view>
 
 #include <ravo-orx/runtime/OrxDecisionKinds.h>
@@ -81,62 +83,114 @@ OrxSourcedDecision<Decision> OrxPolicyDecider::fail(Decision failSafe, OrxDecisi
   return {failSafe, source};
 }
 
+void OrxPolicyDecider::setRecorder(OrxDecisionRecorder* recorder) {
+  std::lock_guard guard(lock_);
+  recorder_ = recorder;
+}
+
+// Without a recorder a decision costs what it always did: one test of a pointer. With one, the record
+// is filled and copied while the lock is held (so records keep the order of the module's calls), and
+// only a record that found no room is handed back, after the lock is released.
+template <class Decision, class Facts, class Evaluate>
+OrxSourcedDecision<Decision> OrxPolicyDecider::decide(OrxDecisionKindID kind, const Facts& facts,
+                                                      const std::unique_ptr<LoadedModule>& module,
+                                                      Evaluate evaluate) noexcept {
+  std::unique_lock guard(lock_);
+  OrxDecisionRecorder* const recorder = recorder_;
+  if (!recorder) return evaluate().sourced;
+  recorder->waitForRoom(guard);
+  const Evaluation<Decision> evaluation = evaluate();
+  OrxDecisionRecord record;
+  record.kind = kind;
+  record.source = evaluation.sourced.source;
+  if (module) {
+    record.hasModule = true;
+    std::copy_n(module->digest().data(), std::min(module->digest().size(), kOrxDigestHexLength),
+                record.moduleSha256.data());
+  }
+  const auto arguments = facts.arguments();
+  std::copy(arguments.begin(), arguments.end(), record.facts.begin());
+  if (const auto* emitted = evaluation.emitted) {
+    record.hasEmission = true;
+    record.emittedLength = static_cast<std::uint32_t>(std::min<std::size_t>(emitted->size(), UINT32_MAX));
+    std::copy_n(emitted->begin(), std::min(emitted->size(), kOrxLoggedEmits), record.emitted.begin());
+  }
+  record.decision = orxDecisionFieldValues(evaluation.sourced.decision);
+  if (recorder->append(record)) return evaluation.sourced;
+  guard.unlock();
+  recorder->overflowed(record);
+  return evaluation.sourced;
+}
+
 OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyDecider::authorizeWithSource(
     const AuthorizationFacts& facts) noexcept {
-  std::lock_guard guard(lock_);
+  return decide<OrxAuthorizationDecision>(OrxDecisionKindID::authorization, facts, modules_.authorization,
+                                          [&] { return evaluateAuthorization(facts); });
+}
+
+OrxSourcedDecision<OrxSyncDecision> OrxPolicyDecider::correctSyncWithSource(const SyncFacts& facts) noexcept {
+  return decide<OrxSyncDecision>(OrxDecisionKindID::sync, facts, modules_.sync, [&] { return evaluateSync(facts); });
+}
+
+OrxSourcedDecision<OrxCinemaAdmissionDecision> OrxPolicyDecider::decideCinemaAdmissionWithSource(
+    const CinemaAdmissionFacts& facts) noexcept {
+  return decide<OrxCinemaAdmissionDecision>(OrxDecisionKindID::cinemaAdmission, facts, modules_.cinemaAdmission,
+                                            [&] { return evaluateCinemaAdmission(facts); });
+}
+
+auto OrxPolicyDecider::evaluateAuthorization(const AuthorizationFacts& facts) -> Evaluation<OrxAuthorizationDecision> {
   if (!modules_.authorization) {
-    return fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::moduleUnavailable);
+    return {fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::moduleUnavailable)};
   }
   const auto arguments = facts.arguments();
   const OrxInvocation call = modules_.authorization->invoke(arguments);
   const std::int32_t result = call.result.value_or(kAuthorization.resultWhenNone);
   if (call.error) {
     logTrap(kAuthorization, call);
-    return fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::trap);
+    return {fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::trap), call.emitted};
   }
   const OrxEmittedRecord record = emittedRecord(kAuthorization, call, result, facts.command);
   if (!orxRecordAccepted<kOrxAuthorizationRecordRules>(record)) {
-    return fail(OrxAuthorizationDecision::invalid(), OrxDecisionSource::invalidOutput);
+    return {fail(OrxAuthorizationDecision::invalid(), OrxDecisionSource::invalidOutput), call.emitted};
   }
-  return {{result == 1, *orxAuthorizationReason(record[3]), record[4]}, OrxDecisionSource::policy};
+  return {{{result == 1, *orxAuthorizationReason(record[3]), record[4]}, OrxDecisionSource::policy}, call.emitted};
 }
 
-OrxSourcedDecision<OrxSyncDecision> OrxPolicyDecider::correctSyncWithSource(const SyncFacts& facts) noexcept {
-  std::lock_guard guard(lock_);
-  if (!modules_.sync) return fail(OrxSyncDecision::hold(), OrxDecisionSource::moduleUnavailable);
+auto OrxPolicyDecider::evaluateSync(const SyncFacts& facts) -> Evaluation<OrxSyncDecision> {
+  if (!modules_.sync) return {fail(OrxSyncDecision::hold(), OrxDecisionSource::moduleUnavailable)};
   const auto arguments = facts.arguments();
   const OrxInvocation call = modules_.sync->invoke(arguments);
   const std::int32_t result = call.result.value_or(kSync.resultWhenNone);
   if (call.error) {
     logTrap(kSync, call);
-    return fail(OrxSyncDecision::hold(), OrxDecisionSource::trap);
+    return {fail(OrxSyncDecision::hold(), OrxDecisionSource::trap), call.emitted};
   }
   const OrxEmittedRecord record = emittedRecord(kSync, call, result);
   if (!orxRecordAccepted<kOrxSyncRecordRules>(record)) {
-    return fail(OrxSyncDecision::hold(), OrxDecisionSource::invalidOutput);
+    return {fail(OrxSyncDecision::hold(), OrxDecisionSource::invalidOutput), call.emitted};
   }
-  return {{*orxSyncAction(result), record[2], record[3], record[4]}, OrxDecisionSource::policy};
+  return {{{*orxSyncAction(result), record[2], record[3], record[4]}, OrxDecisionSource::policy}, call.emitted};
 }
 
-OrxSourcedDecision<OrxCinemaAdmissionDecision> OrxPolicyDecider::decideCinemaAdmissionWithSource(
-    const CinemaAdmissionFacts& facts) noexcept {
-  std::lock_guard guard(lock_);
+auto OrxPolicyDecider::evaluateCinemaAdmission(const CinemaAdmissionFacts& facts)
+    -> Evaluation<OrxCinemaAdmissionDecision> {
   if (!modules_.cinemaAdmission) {
-    return fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::moduleUnavailable);
+    return {fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::moduleUnavailable)};
   }
   const auto arguments = facts.arguments();
   const OrxInvocation call = modules_.cinemaAdmission->invoke(arguments);
   const std::int32_t result = call.result.value_or(kCinema.resultWhenNone);
   if (call.error) {
     logTrap(kCinema, call);
-    return fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::trap);
+    return {fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::trap), call.emitted};
   }
   const OrxEmittedRecord record = emittedRecord(kCinema, call, result);
   if (!orxRecordAccepted<kOrxCinemaAdmissionRecordRules>(record)) {
-    return fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::invalidOutput);
+    return {fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::invalidOutput), call.emitted};
   }
-  return {{*orxCinemaAdmissionRoute(result), record[2], record[3], *orxCinemaAdmissionReason(record[4])},
-          OrxDecisionSource::policy};
+  return {{{*orxCinemaAdmissionRoute(result), record[2], record[3], *orxCinemaAdmissionReason(record[4])},
+           OrxDecisionSource::policy},
+          call.emitted};
 }
 
 // The output rules read the record's values and the result only; the tag and the repeated result are

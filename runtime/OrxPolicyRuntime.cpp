@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
+#include <ravo-orx/runtime/OrxDecisionLogWriter.h>
 #include <ravo-orx/runtime/OrxEvidence.h>
 #include <ravo-orx/runtime/OrxDecisionKinds.h>
 #include <ravo-orx/runtime/OrxLog.h>
@@ -102,7 +103,17 @@ OrxPolicyRuntime::OrxPolicyRuntime(std::optional<std::filesystem::path> artifact
   decider_ = std::make_unique<OrxPolicyDecider>(std::move(loaded.modules));
 }
 
-OrxPolicyRuntime::~OrxPolicyRuntime() = default;
+OrxPolicyRuntime::OrxPolicyRuntime(std::optional<std::filesystem::path> artifactsDirectory, OrxDecisionLogOptions log)
+    : OrxPolicyRuntime(std::move(artifactsDirectory)) {
+  if (!log.sink) return;
+  decisionLog_ = std::make_unique<OrxDecisionLog>(std::move(log));
+  decider_->setRecorder(&decisionLog_->writer());
+}
+
+OrxPolicyRuntime::~OrxPolicyRuntime() {
+  // No decision runs any more; the log is destroyed first and writes what it still holds.
+  decider_->setRecorder(nullptr);
+}
 
 bool OrxPolicyRuntime::isAuthorizationAvailable() const noexcept { return decider_->isAuthorizationAvailable(); }
 bool OrxPolicyRuntime::isSyncAvailable() const noexcept { return decider_->isSyncAvailable(); }

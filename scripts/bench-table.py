@@ -93,15 +93,23 @@ def compare(ours, reference, runs, same=lambda a, b: a == b):
     return {"ours": median(0, 0), "reference": median(1, 0), "ours_peak": median(0, 1)}
 
 
+def medians(build, program, pattern):
+    bench = os.path.join(build, "bench", program)
+    report = subprocess.run([bench, f"--benchmark_filter={pattern}", "--benchmark_repetitions=5",
+                             "--benchmark_report_aggregates_only=true", "--benchmark_format=json"],
+                            check=True, capture_output=True, text=True).stdout
+    return {b["run_name"]: b["cpu_time"] for b in json.loads(report)["benchmarks"]
+            if b.get("aggregate_name") == "median"}
+
+
 def decisions(build):
-    bench = os.path.join(build, "bench", "policy_decision_bench")
-    report = subprocess.run([bench, "--benchmark_filter=^BM_(Authorize|Sync|Cinema)_(Floor|Precompiled)$",
-                             "--benchmark_repetitions=5", "--benchmark_report_aggregates_only=true",
-                             "--benchmark_format=json"], check=True, capture_output=True, text=True).stdout
-    medians = {b["run_name"]: b["cpu_time"] for b in json.loads(report)["benchmarks"]
-               if b.get("aggregate_name") == "median"}
-    return {kind: (medians[f"BM_{kind}_Precompiled"], medians[f"BM_{kind}_Floor"])
-            for kind in ("Authorize", "Sync", "Cinema")}
+    found = medians(build, "policy_decision_bench", "^BM_(Authorize|Sync|Cinema)_(Floor|Precompiled)$")
+    return {kind: (found[f"BM_{kind}_Precompiled"], found[f"BM_{kind}_Floor"]) for kind in ("Authorize", "Sync", "Cinema")}
+
+
+def logged_decisions(build):
+    found = medians(build, "decision_log_bench", "^BM_Authorize_(NoLog|RingLog|FileLog|CallbackLog)$")
+    return {sink: (found[f"BM_Authorize_{sink}Log"], found["BM_Authorize_NoLog"]) for sink in ("Ring", "File", "Callback")}
 
 
 def main():
@@ -122,6 +130,7 @@ def main():
     scenario = compare([tool, "scenario", "digest", graph], [sys.executable, "-c", PYTHON_GRAPH_DIGEST, graph], runs,
                        lambda a, b: hex_of(a) == hex_of(b))
     decided = decisions(build)
+    logged = logged_decisions(build)
 
     document_mib = os.path.getsize(document) / (1 << 20)
     rows = [
@@ -138,6 +147,10 @@ def main():
     for kind, (precompiled, floor) in decided.items():
         rows.append((f"{kind.lower()} decision: precompiled / native floor", f"{precompiled:.1f} ns",
                      f"{floor:.1f} ns", precompiled / floor, "<= 3"))
+
+    for sink, (with_log, without) in logged.items():
+        rows.append((f"authz decision with the {sink.lower()} log / without (+{with_log - without:.1f} ns)",
+                     f"{with_log:.1f} ns", f"{without:.1f} ns", with_log / without, "+20 ns"))
 
     print(f"ORX benchmark table · median CPU time of {runs} alternating runs per command; decisions: "
           "policy_decision_bench medians of 5")

@@ -63,7 +63,11 @@ std::vector<std::int32_t> orxCliFacts(OrxCliArguments& arguments, const OrxDecis
                                       const std::optional<std::string>& factsFile) {
   if (!factsFile) return factsFromWords(arguments, kind);
   arguments.finish();
-  return factsFromJSON(parseRavoJSON(orxCliReadInput(factsFile)), kind);
+  return orxCliFactsFromJSON(orxCliReadInput(factsFile), kind);
+}
+
+std::vector<std::int32_t> orxCliFactsFromJSON(std::string_view json, const OrxDecisionKind& kind) {
+  return factsFromJSON(parseRavoJSON(json), kind);
 }
 
 int orxCliPrintAnswer(const OrxPolicyAnswer& answer) {

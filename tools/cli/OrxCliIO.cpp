@@ -67,6 +67,33 @@ std::string orxCliReadInput(const std::optional<std::string>& file) {
   return bytes;
 }
 
+std::string orxCliReadLines(const std::optional<std::string>& file, std::size_t lineLimit,
+                     const std::function<void(std::string_view line)>& consume) {
+  std::string partial;  // the start of a line that continues in the next piece
+  std::uint64_t lineNumber = 0;
+  const auto tooLong = [&] {
+    throwReadError(orxCliInputName(file), "line " + std::to_string(lineNumber + 1) + " is longer than " +
+                                              std::to_string(lineLimit) + " bytes");
+  };
+  orxCliReadInPieces(file, [&](std::string_view piece) {
+    for (std::size_t newline; (newline = piece.find('\n')) != std::string_view::npos;) {
+      if (partial.size() + newline > lineLimit) tooLong();
+      ++lineNumber;
+      if (partial.empty()) {
+        consume(piece.substr(0, newline));
+      } else {
+        partial.append(piece.substr(0, newline));
+        consume(partial);
+        partial.clear();
+      }
+      piece.remove_prefix(newline + 1);
+    }
+    if (partial.size() + piece.size() > lineLimit) tooLong();
+    partial.append(piece);
+  });
+  return partial;
+}
+
 std::string orxCliReadDocument(OrxCliArguments& arguments) {
   const auto file = arguments.nextIfAny();
   arguments.finish();

@@ -23,7 +23,8 @@ constexpr std::string_view kExitStatuses =
     "Exit status: 0 success, 1 refused input, 2 usage mistake, 3 fail-safe decision.";
 
 constexpr std::array kCommands{&kOrxCliCanonCommand,    &kOrxCliDigestCommand,    &kOrxCliEvidenceCommand,
-                               &kOrxCliStatusCommand,   &kOrxCliDecideCommand,    &kOrxCliPolicyCommand,
+                               &kOrxCliStatusCommand,   &kOrxCliDecideCommand,    &kOrxCliLogCommand,
+                               &kOrxCliPolicyCommand,
                                &kOrxCliResolveCommand,  &kOrxCliShortlistCommand, &kOrxCliScenarioCommand,
                                &kOrxCliVersionCommand};
 

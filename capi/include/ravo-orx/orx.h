@@ -43,7 +43,8 @@ enum {
   ORX_STATUS_UNAVAILABLE = 4,          /* no policy module loaded: every decision is fail-safe */
   ORX_STATUS_PARTIALLY_AVAILABLE = 5,  /* some policy modules loaded; the others' decisions are fail-safe */
   ORX_STATUS_OUT_OF_MEMORY = 6,
-  ORX_STATUS_INTERNAL_ERROR = 7        /* a failure this API does not otherwise name; never expected */
+  ORX_STATUS_INTERNAL_ERROR = 7,       /* a failure this API does not otherwise name; never expected */
+  ORX_STATUS_LOG_FAILED = 8            /* the decision log's sink failed (a full disk); the log stopped */
 };
 
 /* The decision kinds, for orx_runtime_is_available. */
@@ -164,14 +165,57 @@ RAVO_ORX_API orx_status orx_correct_sync(orx_runtime* runtime, const orx_sync_fa
 RAVO_ORX_API orx_status orx_decide_cinema_admission(orx_runtime* runtime, const orx_cinema_admission_facts* facts,
                                                     orx_cinema_admission_decision* decision);
 
+/* "sha256:" and 64 lowercase hex digits, with the terminating NUL. */
+#define ORX_DIGEST_TEXT_SIZE 72
+
+/* The decision log (docs/DECISION-LOG.md): with one, every decision of the runtime appends a record,
+ * sealed in blocks whose seals chain by digest, to a file or to a callback. The decision only copies a
+ * fixed-size record into a buffer; the log's own thread writes it, never holding the runtime's lock. */
+typedef int32_t orx_log_when_full;
+enum {
+  ORX_LOG_WHEN_FULL_DROP = 0,  /* the record is dropped, counted and declared in the next seal */
+  ORX_LOG_WHEN_FULL_BLOCK = 1  /* the decision waits for room (the runtime's lock released meanwhile) */
+};
+/* When the file sink asks the system to put its lines on the disk: never itself, at each seal, or after
+ * every batch it writes. A crashed process loses nothing already written; a machine that stops loses
+ * what was not synchronised. */
+typedef int32_t orx_log_file_sync;
+enum { ORX_LOG_SYNC_NONE = 0, ORX_LOG_SYNC_AFTER_SEAL = 1, ORX_LOG_SYNC_AFTER_BATCH = 2 };
+/* One line of the log (canonical JSON, no newline, valid only during the call), `is_seal` 1 for a seal
+ * and 0 for a record. Called on the log's own thread, one line at a time, in order. */
+typedef void (*orx_decision_log_callback)(void* context, const char* line, size_t length, int32_t is_seal);
+
+typedef struct orx_decision_log_options {
+  const char* file;                   /* the file sink when not NULL: created, or continued when it holds a log */
+  orx_log_file_sync file_sync;
+  orx_decision_log_callback callback; /* the callback sink when `file` is NULL */
+  void* context;                      /* passed back to `callback` untouched */
+  uint32_t buffer_records;            /* records buffered for the log's thread; 0: 8192 */
+  uint32_t block_records;             /* records per block, at most 4096; 0: 256 */
+  orx_log_when_full when_full;
+} orx_decision_log_options;
+
+/* orx_runtime_open with a decision log. ORX_STATUS_INVALID_INPUT (and no runtime) when the log cannot
+ * be made: options with neither file nor callback, a file that cannot be opened or does not end as a
+ * decision log, more than 4096 records per block. */
+RAVO_ORX_API orx_status orx_runtime_open_with_log(const char* artifacts_directory, const orx_decision_log_options* log,
+                                                  orx_runtime** runtime);
+/* Returns once every decision taken before the call is written and sealed. The calls below answer
+ * ORX_STATUS_UNAVAILABLE for a runtime opened without a log. */
+RAVO_ORX_API orx_status orx_runtime_log_flush(orx_runtime* runtime);
+/* The digest of the last seal ("sha256:<hex>", ORX_DIGEST_TEXT_SIZE bytes): publish or store it, and
+ * `ravo-orx log verify --head` proves the log was not cut short. "" before the first seal. */
+RAVO_ORX_API orx_status orx_runtime_log_head(const orx_runtime* runtime, char digest[ORX_DIGEST_TEXT_SIZE]);
+/* Records written, dropped for want of room, and lost after the sink failed. When it failed, the result
+ * is ORX_STATUS_LOG_FAILED (the counts are still set) and orx_last_error() says why. */
+RAVO_ORX_API orx_status orx_runtime_log_counts(const orx_runtime* runtime, uint64_t* written, uint64_t* dropped,
+                                               uint64_t* lost);
+
 /* The canonical text of a JSON document (the canonical core's strict grammar: objects, arrays,
  * strings, integers, true, false; nesting at most 512 levels). Refused input gives
  * ORX_STATUS_INVALID_INPUT and the parser's message. Text out as described at the top. */
 RAVO_ORX_API orx_status orx_canonicalize_json(const char* json, size_t json_length, char* buffer, size_t capacity,
                                               size_t* length);
-
-/* "sha256:" and 64 lowercase hex digits, with the terminating NUL. */
-#define ORX_DIGEST_TEXT_SIZE 72
 
 /* The domain digest of a JSON document: SHA-256 over the tag's bytes, one zero byte and the document's
  * canonical bytes, written into `digest` (ORX_DIGEST_TEXT_SIZE bytes) as "sha256:<hex>". `tag` is a

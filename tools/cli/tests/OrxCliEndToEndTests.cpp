@@ -25,7 +25,7 @@ TEST(RavoOrxTool, HelpVersionAndCommands) {
                   {{"policy"}, "", misused("policy", "missing SUBCOMMAND")},
                   {{"policy", "frob"}, "", misused("policy", "unknown subcommand \"frob\"")}});
   for (const std::string command :
-       {"canon", "digest", "evidence", "status", "decide", "policy", "resolve", "shortlist", "scenario"}) {
+       {"canon", "digest", "evidence", "status", "decide", "log", "policy", "resolve", "shortlist", "scenario"}) {
     for (const std::string help : {"--help", "-h"}) {
       const auto outcome = run({command, help}, "");
       EXPECT_TRUE(outcome.out.starts_with("usage: ravo-orx " + command + " ") && outcome.status == 0) << outcome;

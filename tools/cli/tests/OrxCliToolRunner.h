@@ -59,9 +59,12 @@ inline Outcome run(Words arguments, const std::string& input, const fs::path& wo
   const auto in = scratch.path / "in", err = scratch.path / "err";
   const auto out = output.empty() ? scratch.path / "out" : output;
   std::ofstream(in, std::ios::binary) << input;
-  arguments.insert(arguments.begin(), ORX_CLI_TOOL);
+  // The tool's path is put in front by building a new list: inserting it at the front makes g++ 12
+  // warn falsely (-Warray-bounds) when this is inlined into some callers.
+  Words command{ORX_CLI_TOOL};
+  command.insert(command.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
-  for (auto& word : arguments) argv.push_back(word.data());
+  for (auto& word : command) argv.push_back(word.data());
   argv.push_back(nullptr);
 
   posix_spawn_file_actions_t actions;

@@ -2,8 +2,9 @@
 // The three decision kinds, each described once: the command-line name, the module, the facts in
 // argument order, the emitted record's tag and where its reason stands, the reasons a module may answer
 // with, what `decide` is taken to return when it returns nothing, and the text logged when it traps.
-// The runtime, the toolchain, the command line and the check runner read this table; the decisions'
-// own records, enumerations and fail-safe constants are in OrxPolicyDecisions.h.
+// and the fields of its decision as the decision log writes them. The runtime, the toolchain, the
+// command line and the check runner read this table; the decisions' own records, enumerations and
+// fail-safe constants are in OrxPolicyDecisions.h.
 
 #include <array>
 #include <cstddef>
@@ -19,6 +20,15 @@ namespace ravo::orx {
 
 enum class OrxDecisionKindID { authorization, sync, cinemaAdmission };
 
+// How a decision field is written as text: a boolean, an integer, or the name of a case of one of the
+// decisions' enumerations.
+enum class OrxDecisionFieldForm { boolean, integer, authorizationReason, syncAction, cinemaRoute, cinemaReason };
+
+struct OrxDecisionField {
+  std::string_view name;
+  OrxDecisionFieldForm form;
+};
+
 struct OrxDecisionKind {
   OrxDecisionKindID id;
   std::string_view name;    // "authz", "sync", "cinema": how tools and status texts name it
@@ -31,6 +41,8 @@ struct OrxDecisionKind {
   // The names of the reason codes a module may answer with, indexed by code; the host's own
   // runtimeUnavailable and invalidResult are not among them, and sync codes have only numbers.
   std::span<const std::string_view> reasonNames;
+  // The decision record's fields in declaration order, each held as a signed 32-bit value.
+  std::span<const OrxDecisionField> decisionFields;
 };
 
 namespace internal {
@@ -66,19 +78,39 @@ static_assert(kSyncReasonNames.size() == kOrxMaxSyncReason + 1);
 inline constexpr auto kCinemaAdmissionReasonNames =
     orxFirstCaseNames<OrxCinemaAdmissionReason, rawValue(OrxCinemaAdmissionReason::invalidFacts) + 1>();
 
+inline constexpr std::array<OrxDecisionField, 3> kAuthorizationDecisionFields{{
+    {"isAllowed", OrxDecisionFieldForm::boolean},
+    {"reason", OrxDecisionFieldForm::authorizationReason},
+    {"policyVersion", OrxDecisionFieldForm::integer},
+}};
+inline constexpr std::array<OrxDecisionField, 4> kSyncDecisionFields{{
+    {"action", OrxDecisionFieldForm::syncAction},
+    {"rateX1000", OrxDecisionFieldForm::integer},
+    {"correctionMilliseconds", OrxDecisionFieldForm::integer},
+    {"reason", OrxDecisionFieldForm::integer},
+}};
+inline constexpr std::array<OrxDecisionField, 4> kCinemaAdmissionDecisionFields{{
+    {"route", OrxDecisionFieldForm::cinemaRoute},
+    {"sparseAnchorIntervalFrames", OrxDecisionFieldForm::integer},
+    {"safeBudgetTenthsMilliseconds", OrxDecisionFieldForm::integer},
+    {"reason", OrxDecisionFieldForm::cinemaReason},
+}};
+
 }  // namespace internal
 
 // In load order, which is also the order of the status texts.
 inline constexpr std::array<OrxDecisionKind, 3> kOrxDecisionKinds{
     OrxDecisionKind{OrxDecisionKindID::authorization, "authz", "player_authz", 5201, 3, 0,
                     "ORX authorization trapped; denying command: ",
-                    internal::kAuthorizationFactNames, internal::kAuthorizationReasonNames},
+                    internal::kAuthorizationFactNames, internal::kAuthorizationReasonNames,
+                    internal::kAuthorizationDecisionFields},
     OrxDecisionKind{OrxDecisionKindID::sync, "sync", "sync_correction", 5301, 4, 0,
                     "ORX sync correction trapped; holding: ",
-                    internal::kSyncFactNames, internal::kSyncReasonNames},
+                    internal::kSyncFactNames, internal::kSyncReasonNames, internal::kSyncDecisionFields},
     OrxDecisionKind{OrxDecisionKindID::cinemaAdmission, "cinema", "cinema_admission", 5401, 4, -1,
                     "ORX Cinema admission trapped; retaining MetalFX: ",
-                    internal::kCinemaAdmissionFactNames, internal::kCinemaAdmissionReasonNames},
+                    internal::kCinemaAdmissionFactNames, internal::kCinemaAdmissionReasonNames,
+                    internal::kCinemaAdmissionDecisionFields},
 };
 
 constexpr const OrxDecisionKind& orxDecisionKind(OrxDecisionKindID id) {

@@ -6,6 +6,8 @@
 // held for the whole of each decision, so no two calls share an engine instance and no call observes
 // another's emitted values. Never throws.
 //
+// With a recorder (the decision log), each decision's record is copied to it under the same lock.
+//
 // OrxPolicyRuntime feeds it only digest-verified modules; tests and the package check feed it modules
 // directly.
 
@@ -13,8 +15,10 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include <ravo-orx/runtime/LoadedModule.h>
+#include <ravo-orx/runtime/OrxDecisionRecord.h>
 #include <ravo-orx/runtime/OrxPolicyDecisions.h>
 #include <ravo-orx/runtime/OrxPolicyFacts.h>
 
@@ -38,6 +42,9 @@ class OrxPolicyDecider {
   std::string executionTiers() const;
   std::uint64_t failureCount() const;
 
+  // Every later decision's record goes to `recorder` (null: none), which must outlive the decisions.
+  void setRecorder(OrxDecisionRecorder* recorder);
+
   OrxAuthorizationDecision authorize(const AuthorizationFacts& facts) { return authorizeWithSource(facts).decision; }
   OrxSyncDecision correctSync(const SyncFacts& facts) { return correctSyncWithSource(facts).decision; }
   OrxCinemaAdmissionDecision decideCinemaAdmission(const CinemaAdmissionFacts& facts) {
@@ -55,12 +62,27 @@ class OrxPolicyDecider {
                                            std::int32_t safeBudgetTenthsMilliseconds, OrxCinemaAdmissionReason reason);
 
  private:
+  // A decision and the values its module emitted (null when it emitted nothing or was not called).
   template <class Decision>
-  OrxSourcedDecision<Decision> fail(Decision failSafe, OrxDecisionSource source);  // caller holds lock_
+  struct Evaluation {
+    OrxSourcedDecision<Decision> sourced;
+    const std::vector<std::int32_t>* emitted = nullptr;
+  };
+
+  template <class Decision, class Facts, class Evaluate>
+  OrxSourcedDecision<Decision> decide(OrxDecisionKindID kind, const Facts& facts,
+                                      const std::unique_ptr<LoadedModule>& module, Evaluate evaluate) noexcept;
+  // The caller holds lock_.
+  Evaluation<OrxAuthorizationDecision> evaluateAuthorization(const AuthorizationFacts& facts);
+  Evaluation<OrxSyncDecision> evaluateSync(const SyncFacts& facts);
+  Evaluation<OrxCinemaAdmissionDecision> evaluateCinemaAdmission(const CinemaAdmissionFacts& facts);
+  template <class Decision>
+  OrxSourcedDecision<Decision> fail(Decision failSafe, OrxDecisionSource source);
 
   mutable std::mutex lock_;
   OrxPolicyModules modules_;
   std::uint64_t runtimeFailureCount_ = 0;
+  OrxDecisionRecorder* recorder_ = nullptr;
 };
 
 }  // namespace ravo::orx::internal

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 
+#include <ravo-orx/runtime/OrxDecisionLog.h>
 #include <ravo-orx/runtime/OrxPolicyDecisions.h>
 #include <ravo-orx/runtime/OrxPolicyFacts.h>
 #include <ravo-orx/core/ORXExport.h>
@@ -25,6 +26,10 @@ class RAVO_ORX_API OrxPolicyRuntime {
   // Loads from `artifactsDirectory`, or from the first location holding "evidence.json" of
   // locateArtifacts(). Never throws.
   explicit OrxPolicyRuntime(std::optional<std::filesystem::path> artifactsDirectory = std::nullopt);
+  // The same, with every decision appended to a decision log (OrxDecisionLog.h) when `log` has a sink.
+  // Throws only what making the log throws (options without a sink do not make one).
+  OrxPolicyRuntime(std::optional<std::filesystem::path> artifactsDirectory, OrxDecisionLogOptions log);
+  // Writes and seals what the log still holds.
   ~OrxPolicyRuntime();
   OrxPolicyRuntime(const OrxPolicyRuntime&) = delete;
   OrxPolicyRuntime& operator=(const OrxPolicyRuntime&) = delete;
@@ -37,6 +42,9 @@ class RAVO_ORX_API OrxPolicyRuntime {
   // How each module runs, for tools: "authz precompiled / sync interpreted / cinema unavailable".
   std::string executionTiers() const;
   std::uint64_t failureCount() const noexcept;
+  // The decision log, or null when the runtime was made without one.
+  OrxDecisionLog* decisionLog() noexcept { return decisionLog_.get(); }
+  const OrxDecisionLog* decisionLog() const noexcept { return decisionLog_.get(); }
 
   OrxAuthorizationDecision authorize(const AuthorizationFacts& facts) noexcept {
     return authorizeWithSource(facts).decision;
@@ -68,6 +76,7 @@ class RAVO_ORX_API OrxPolicyRuntime {
  private:
   std::optional<std::string> loadError_;
   std::unique_ptr<internal::OrxPolicyDecider> decider_;
+  std::unique_ptr<OrxDecisionLog> decisionLog_;
 };
 
 }  // namespace ravo::orx

@@ -35,11 +35,15 @@ extern const OrxCliCommand kOrxCliShortlistCommand;
 extern const OrxCliCommand kOrxCliScenarioCommand;
 extern const OrxCliCommand kOrxCliPolicyCommand;
 extern const OrxCliCommand kOrxCliVersionCommand;
+extern const OrxCliCommand kOrxCliLogCommand;
 
 extern const OrxCliCommand kOrxCliPolicyCheckCommand;
 extern const OrxCliCommand kOrxCliPolicyTestCommand;
 extern const OrxCliCommand kOrxCliPolicyEvalCommand;
 extern const OrxCliCommand kOrxCliPolicyBenchCommand;
 extern const OrxCliCommand kOrxCliPolicyBuildCommand;
+
+extern const OrxCliCommand kOrxCliLogVerifyCommand;
+extern const OrxCliCommand kOrxCliLogReplayCommand;
 
 }  // namespace ravo::orx

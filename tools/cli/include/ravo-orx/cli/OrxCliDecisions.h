@@ -20,6 +20,10 @@ const OrxDecisionKind& orxCliPolicyKind(OrxCliArguments& arguments);
 std::vector<std::int32_t> orxCliFacts(OrxCliArguments& arguments, const OrxDecisionKind& kind,
                                       const std::optional<std::string>& factsFile);
 
+// The facts of one decision of `kind` from a JSON object keyed by the fact names, as --facts takes
+// them. Throws like orxCliFacts.
+std::vector<std::int32_t> orxCliFactsFromJSON(std::string_view json, const OrxDecisionKind& kind);
+
 // Prints the decision with its "source"; returns 0 for the module's own answer, 3 for a fail-safe one.
 int orxCliPrintAnswer(const OrxPolicyAnswer& answer);
 

@@ -30,6 +30,13 @@ std::string orxCliReadInput(const std::optional<std::string>& file);
 void orxCliReadInPieces(const std::optional<std::string>& file,
                         const std::function<void(std::string_view)>& consume);
 
+// Hands each line of `file` (or standard input), without its newline, to `consume`, reading it in
+// pieces: a log of any length is read in constant memory. A line longer than `lineLimit` is refused
+// before it is held ("could not read <file>: line N is longer than <limit> bytes"). Returns what follows
+// the last newline (empty when the input ends with one), which is not handed on.
+std::string orxCliReadLines(const std::optional<std::string>& file, std::size_t lineLimit,
+                     const std::function<void(std::string_view line)>& consume);
+
 // Takes the optional FILE that ends a subcommand's arguments, refuses anything left over, and reads
 // the document.
 std::string orxCliReadDocument(OrxCliArguments& arguments);
