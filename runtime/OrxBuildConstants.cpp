@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "3de5c51f253cc1e5581003f3e58028862a4cf0082e63f84d13141b0b62cd3df2";
+  static const std::string value = "f8e980764a176149e0c6680e80f2269c6edb89b12285e6b0f741707d60e62ca5";
   return value;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include <ravo-orx/runtime/OrxDecisionKinds.h>
@@ -17,9 +18,10 @@ constexpr const OrxDecisionKind& kSync = orxDecisionKind(OrxDecisionKindID::sync
 constexpr const OrxDecisionKind& kCinema = orxDecisionKind(OrxDecisionKindID::cinemaAdmission);
 
 OrxEmittedRecord emittedRecord(const OrxDecisionKind& kind, const OrxInvocation& call, std::int32_t result,
-                               std::int32_t echoedFact = 0) {
+                               std::span<const std::int32_t> facts) {
   const auto* emitted = call.emitted;
-  return {kind.emitTag, result, echoedFact, emitted ? emitted->data() : nullptr, emitted ? emitted->size() : 0};
+  return {kind.emitTag, result, orxEchoedFact(kind, facts), emitted ? emitted->data() : nullptr,
+          emitted ? emitted->size() : 0};
 }
 
 void logTrap(const OrxDecisionKind& kind, const OrxInvocation& call) {
@@ -91,17 +93,18 @@ void OrxPolicyDecider::setRecorder(OrxDecisionRecorder* recorder) {
 // Without a recorder a decision costs what it always did: one test of a pointer. With one, the record
 // is filled and copied while the lock is held (so records keep the order of the module's calls), and
 // only a record that found no room is handed back, after the lock is released.
-template <class Decision, class Facts, class Evaluate>
-OrxSourcedDecision<Decision> OrxPolicyDecider::decide(OrxDecisionKindID kind, const Facts& facts,
+template <const auto& Rules, class Decision, class Facts, class Accept>
+OrxSourcedDecision<Decision> OrxPolicyDecider::decide(const OrxDecisionKind& kind, const Facts& facts,
                                                       const std::unique_ptr<LoadedModule>& module,
-                                                      Evaluate evaluate) noexcept {
+                                                      FailSafes<Decision> failSafes,
+                                                      Accept accept) noexcept {
   std::unique_lock guard(lock_);
   OrxDecisionRecorder* const recorder = recorder_;
-  if (!recorder) return evaluate().sourced;
-  recorder->waitForRoom(guard);
-  const Evaluation<Decision> evaluation = evaluate();
+  if (recorder) recorder->waitForRoom(guard);
+  const Evaluation<Decision> evaluation = evaluate<Rules>(kind, facts, module, failSafes, accept);
+  if (!recorder) return evaluation.sourced;
   OrxDecisionRecord record;
-  record.kind = kind;
+  record.kind = kind.id;
   record.source = evaluation.sourced.source;
   if (module) {
     record.hasModule = true;
@@ -122,75 +125,50 @@ OrxSourcedDecision<Decision> OrxPolicyDecider::decide(OrxDecisionKindID kind, co
   return evaluation.sourced;
 }
 
+// The module's answer when its emitted record passes every rule of the kind's table; otherwise the
+// kind's fail-safe decision, counted, with the path that produced it.
+template <const auto& Rules, class Decision, class Facts, class Accept>
+auto OrxPolicyDecider::evaluate(const OrxDecisionKind& kind, const Facts& facts,
+                                const std::unique_ptr<LoadedModule>& module, FailSafes<Decision> failSafes,
+                                Accept accept) -> Evaluation<Decision> {
+  if (!module) return {fail(failSafes.unavailable, OrxDecisionSource::moduleUnavailable)};
+  const auto arguments = facts.arguments();
+  const OrxInvocation call = module->invoke(arguments);
+  const std::int32_t result = call.result.value_or(kind.resultWhenNone);
+  if (call.error) {
+    logTrap(kind, call);
+    return {fail(failSafes.unavailable, OrxDecisionSource::trap), call.emitted};
+  }
+  const OrxEmittedRecord record = emittedRecord(kind, call, result, arguments);
+  if (!orxRecordAccepted<Rules>(record)) return {fail(failSafes.invalid, OrxDecisionSource::invalidOutput), call.emitted};
+  return {{accept(record), OrxDecisionSource::policy}, call.emitted};
+}
+
 OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyDecider::authorizeWithSource(
     const AuthorizationFacts& facts) noexcept {
-  return decide<OrxAuthorizationDecision>(OrxDecisionKindID::authorization, facts, modules_.authorization,
-                                          [&] { return evaluateAuthorization(facts); });
+  return decide<kOrxAuthorizationRecordRules>(
+      kAuthorization, facts, modules_.authorization,
+      FailSafes<OrxAuthorizationDecision>{OrxAuthorizationDecision::runtimeUnavailable(),
+                                             OrxAuthorizationDecision::invalid()},
+      [](OrxRecord r) { return OrxAuthorizationDecision{r.result == 1, *orxAuthorizationReason(r[3]), r[4]}; });
 }
 
 OrxSourcedDecision<OrxSyncDecision> OrxPolicyDecider::correctSyncWithSource(const SyncFacts& facts) noexcept {
-  return decide<OrxSyncDecision>(OrxDecisionKindID::sync, facts, modules_.sync, [&] { return evaluateSync(facts); });
+  return decide<kOrxSyncRecordRules>(
+      kSync, facts, modules_.sync, FailSafes<OrxSyncDecision>{OrxSyncDecision::hold(), OrxSyncDecision::hold()},
+      [](OrxRecord r) { return OrxSyncDecision{*orxSyncAction(r.result), r[2], r[3], r[4]}; });
 }
 
 OrxSourcedDecision<OrxCinemaAdmissionDecision> OrxPolicyDecider::decideCinemaAdmissionWithSource(
     const CinemaAdmissionFacts& facts) noexcept {
-  return decide<OrxCinemaAdmissionDecision>(OrxDecisionKindID::cinemaAdmission, facts, modules_.cinemaAdmission,
-                                            [&] { return evaluateCinemaAdmission(facts); });
-}
-
-auto OrxPolicyDecider::evaluateAuthorization(const AuthorizationFacts& facts) -> Evaluation<OrxAuthorizationDecision> {
-  if (!modules_.authorization) {
-    return {fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::moduleUnavailable)};
-  }
-  const auto arguments = facts.arguments();
-  const OrxInvocation call = modules_.authorization->invoke(arguments);
-  const std::int32_t result = call.result.value_or(kAuthorization.resultWhenNone);
-  if (call.error) {
-    logTrap(kAuthorization, call);
-    return {fail(OrxAuthorizationDecision::runtimeUnavailable(), OrxDecisionSource::trap), call.emitted};
-  }
-  const OrxEmittedRecord record = emittedRecord(kAuthorization, call, result, facts.command);
-  if (!orxRecordAccepted<kOrxAuthorizationRecordRules>(record)) {
-    return {fail(OrxAuthorizationDecision::invalid(), OrxDecisionSource::invalidOutput), call.emitted};
-  }
-  return {{{result == 1, *orxAuthorizationReason(record[3]), record[4]}, OrxDecisionSource::policy}, call.emitted};
-}
-
-auto OrxPolicyDecider::evaluateSync(const SyncFacts& facts) -> Evaluation<OrxSyncDecision> {
-  if (!modules_.sync) return {fail(OrxSyncDecision::hold(), OrxDecisionSource::moduleUnavailable)};
-  const auto arguments = facts.arguments();
-  const OrxInvocation call = modules_.sync->invoke(arguments);
-  const std::int32_t result = call.result.value_or(kSync.resultWhenNone);
-  if (call.error) {
-    logTrap(kSync, call);
-    return {fail(OrxSyncDecision::hold(), OrxDecisionSource::trap), call.emitted};
-  }
-  const OrxEmittedRecord record = emittedRecord(kSync, call, result);
-  if (!orxRecordAccepted<kOrxSyncRecordRules>(record)) {
-    return {fail(OrxSyncDecision::hold(), OrxDecisionSource::invalidOutput), call.emitted};
-  }
-  return {{{*orxSyncAction(result), record[2], record[3], record[4]}, OrxDecisionSource::policy}, call.emitted};
-}
-
-auto OrxPolicyDecider::evaluateCinemaAdmission(const CinemaAdmissionFacts& facts)
-    -> Evaluation<OrxCinemaAdmissionDecision> {
-  if (!modules_.cinemaAdmission) {
-    return {fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::moduleUnavailable)};
-  }
-  const auto arguments = facts.arguments();
-  const OrxInvocation call = modules_.cinemaAdmission->invoke(arguments);
-  const std::int32_t result = call.result.value_or(kCinema.resultWhenNone);
-  if (call.error) {
-    logTrap(kCinema, call);
-    return {fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::trap), call.emitted};
-  }
-  const OrxEmittedRecord record = emittedRecord(kCinema, call, result);
-  if (!orxRecordAccepted<kOrxCinemaAdmissionRecordRules>(record)) {
-    return {fail(OrxCinemaAdmissionDecision::metalFXOnly(), OrxDecisionSource::invalidOutput), call.emitted};
-  }
-  return {{{*orxCinemaAdmissionRoute(result), record[2], record[3], *orxCinemaAdmissionReason(record[4])},
-           OrxDecisionSource::policy},
-          call.emitted};
+  return decide<kOrxCinemaAdmissionRecordRules>(
+      kCinema, facts, modules_.cinemaAdmission,
+      FailSafes<OrxCinemaAdmissionDecision>{OrxCinemaAdmissionDecision::metalFXOnly(),
+                                               OrxCinemaAdmissionDecision::metalFXOnly()},
+      [](OrxRecord r) {
+        return OrxCinemaAdmissionDecision{*orxCinemaAdmissionRoute(r.result), r[2], r[3],
+                                          *orxCinemaAdmissionReason(r[4])};
+      });
 }
 
 // The output rules read the record's values and the result only; the tag and the repeated result are

@@ -42,15 +42,6 @@ class RepositoryBuildLock {
   int descriptor_;
 };
 
-// Which files would change, said without writing them.
-std::vector<fs::path> changedFiles(const std::vector<OrxBuiltFile>& files) {
-  std::vector<fs::path> changed;
-  for (const auto& file : files) {
-    if (!fileHasBytes(file.path, file.bytes)) changed.push_back(file.path);
-  }
-  return changed;
-}
-
 int runBuild(OrxCliArguments& arguments) {
   const OrxArtifactBuildPaths paths{arguments.option("--policies").value_or("policies"),
                                     arguments.option("--artifacts").value_or("artifacts"), kConstantsSource, "."};
@@ -76,7 +67,7 @@ int runBuild(OrxCliArguments& arguments) {
   orxCliPrint("compiler   " + build.toolchain.compilerIdentity);
   if (check) {
     const auto changed = changedFiles(build.files);
-    for (const auto& path : changed) orxCliPrint("would write " + path.string());
+    for (const auto& file : changed) orxCliPrint("would write " + file.path.string());
     orxCliPrint(changed.empty() ? "artifacts and build constants are up to date; nothing written (--check)"
                                 : "nothing written (--check)");
     return changed.empty() ? 0 : kOrxCliRefusedInput;

@@ -1,5 +1,6 @@
 #include <ravo-orx/package_check/OrxArtifactBuild.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -23,12 +24,12 @@ using Json = nlohmann::ordered_json;
 
 std::string text(const std::vector<std::uint8_t>& bytes) { return {bytes.begin(), bytes.end()}; }
 
-}  // namespace
-
 bool fileHasBytes(const fs::path& path, const std::string& bytes) {
   std::ifstream stream(path, std::ios::binary);
   return stream && std::string(std::istreambuf_iterator<char>(stream), {}) == bytes;
 }
+
+}  // namespace
 
 OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, OrxPolicyCompilers& compilers) {
   struct Compiled {
@@ -80,10 +81,16 @@ OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, OrxPolicy
   return build;
 }
 
+std::vector<OrxBuiltFile> changedFiles(const std::vector<OrxBuiltFile>& files) {
+  std::vector<OrxBuiltFile> changed;
+  std::copy_if(files.begin(), files.end(), std::back_inserter(changed),
+               [](const OrxBuiltFile& file) { return !fileHasBytes(file.path, file.bytes); });
+  return changed;
+}
+
 std::vector<fs::path> writeChangedFiles(const std::vector<OrxBuiltFile>& files) {
   std::vector<fs::path> written;
-  for (const auto& [path, bytes] : files) {
-    if (fileHasBytes(path, bytes)) continue;
+  for (const auto& [path, bytes] : changedFiles(files)) {
     const fs::path temporary = path.string() + ".partial";
     std::error_code error;
     fs::create_directories(path.parent_path().empty() ? "." : path.parent_path(), error);

@@ -55,10 +55,8 @@ OrxExplainedCall orxExplainCall(OrxMeasuredModuleInstance& module, const OrxDeci
   OrxExplainedCall explained{call.result, std::nullopt, call.error, std::nullopt, module.lastMeasure()};
   if (call.emitted) explained.emitted = *call.emitted;
   if (explained.trap) return explained;
-  // Only authorization echoes a fact: the command, its second argument.
-  const std::int32_t echoed = kind.id == OrxDecisionKindID::authorization ? facts[1] : 0;
   const auto* values = explained.emitted ? explained.emitted->data() : nullptr;
-  explained.refusal = refusal(kind, {kind.emitTag, call.result.value_or(kind.resultWhenNone), echoed, values,
+  explained.refusal = refusal(kind, {kind.emitTag, call.result.value_or(kind.resultWhenNone), orxEchoedFact(kind, facts), values,
                                      explained.emitted ? explained.emitted->size() : 0});
   return explained;
 }

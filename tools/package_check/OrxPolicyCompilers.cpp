@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <sstream>
 #include <stdexcept>
 
 #include <ravo-orx/package_check/OrxPolicyPreludes.h>
 #include <ravo-orx/package_check/OrxProcess.h>
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
 
 namespace ravo::orx {
 
@@ -30,11 +30,6 @@ void write(const fs::path& path, std::string_view text) {
   std::ofstream stream(path, std::ios::binary);
   stream << text;
   if (!(stream.close(), stream)) throw std::runtime_error("could not write " + path.string());
-}
-
-std::vector<std::uint8_t> readModule(const fs::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 // Runs one compiler step; a refusal carries the compiler's whole diagnostic.
@@ -129,7 +124,7 @@ std::vector<std::uint8_t> OrxPolicyCompilers::assemble(const fs::path& source) {
   const OrxScratchDirectory scratch("assemble");
   run(source, {assembler_.string(), source.string(), "-o", (scratch.path() / "module.wasm").string()});
   assemblerUsed_ = true;
-  return readModule(scratch.path() / "module.wasm");
+  return internal::readArtifactFile(scratch.path() / "module.wasm");
 }
 
 const fs::path& OrxPolicyCompilers::linker() {
@@ -146,7 +141,7 @@ std::vector<std::uint8_t> OrxPolicyCompilers::compileC(const fs::path& source) {
   run(source, concat(concat({c_->clang.string()}, kCFlags),
                      {"-I", scratch.path().string(), "-c", source.string(), "-o", object.string()}));
   run(source, concat(concat({linker().string()}, kLinkFlags), {object.string(), "-o", module.string()}));
-  return readModule(module);
+  return internal::readArtifactFile(module);
 }
 
 std::vector<std::uint8_t> OrxPolicyCompilers::compileRust(const fs::path& source) {
@@ -183,7 +178,7 @@ std::vector<std::uint8_t> OrxPolicyCompilers::compileRust(const fs::path& source
                                            "orx_policy=" + crate.string(), "-C", "linker=" + linker().string()});
   for (const auto& flag : kLinkFlags) words.insert(words.end(), {"-C", "link-arg=" + flag});
   run(source, concat(words, {fs::absolute(source).string(), "-o", module.string()}));
-  return readModule(module);
+  return internal::readArtifactFile(module);
 }
 
 std::vector<OrxCompilerFile> OrxPolicyCompilers::filesUsed() const {

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <tuple>
@@ -43,6 +44,8 @@ struct OrxDecisionKind {
   std::span<const std::string_view> reasonNames;
   // The decision record's fields in declaration order, each held as a signed 32-bit value.
   std::span<const OrxDecisionField> decisionFields;
+  // The fact the emitted record must repeat as its value [2] (authorization's command), by its index.
+  std::optional<std::size_t> echoedFact = std::nullopt;
 };
 
 namespace internal {
@@ -103,7 +106,7 @@ inline constexpr std::array<OrxDecisionKind, 3> kOrxDecisionKinds{
     OrxDecisionKind{OrxDecisionKindID::authorization, "authz", "player_authz", 5201, 3, 0,
                     "ORX authorization trapped; denying command: ",
                     internal::kAuthorizationFactNames, internal::kAuthorizationReasonNames,
-                    internal::kAuthorizationDecisionFields},
+                    internal::kAuthorizationDecisionFields, 1},
     OrxDecisionKind{OrxDecisionKindID::sync, "sync", "sync_correction", 5301, 4, 0,
                     "ORX sync correction trapped; holding: ",
                     internal::kSyncFactNames, internal::kSyncReasonNames, internal::kSyncDecisionFields},
@@ -112,6 +115,11 @@ inline constexpr std::array<OrxDecisionKind, 3> kOrxDecisionKinds{
                     internal::kCinemaAdmissionFactNames, internal::kCinemaAdmissionReasonNames,
                     internal::kCinemaAdmissionDecisionFields},
 };
+
+// The fact an emitted record of the kind repeats, from the facts in argument order; 0 when it repeats none.
+constexpr std::int32_t orxEchoedFact(const OrxDecisionKind& kind, std::span<const std::int32_t> facts) {
+  return kind.echoedFact ? facts[*kind.echoedFact] : 0;
+}
 
 constexpr const OrxDecisionKind& orxDecisionKind(OrxDecisionKindID id) {
   return kOrxDecisionKinds[static_cast<std::size_t>(id)];

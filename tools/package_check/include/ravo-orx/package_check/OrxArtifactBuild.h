@@ -36,8 +36,8 @@ struct OrxArtifactBuildPaths {
 
 OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, OrxPolicyCompilers& compilers);
 
-// Whether the file exists and holds exactly these bytes.
-bool fileHasBytes(const std::filesystem::path& path, const std::string& bytes);
+// The files whose bytes differ from those on disk (or that do not exist yet).
+std::vector<OrxBuiltFile> changedFiles(const std::vector<OrxBuiltFile>& files);
 
 // Writes every file whose bytes differ from those on disk; returns the paths written. Throws
 // std::runtime_error naming the file that could not be written.
