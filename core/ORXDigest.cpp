@@ -44,6 +44,14 @@ ORXDigest ORXDigest::domain(std::string_view tag, const ORXCanonicalValue& value
   return ofHash(hash.finalize());
 }
 
+ORXDigest ORXDigest::domainOfCanonicalText(std::string_view tag, std::string_view canonicalText) {
+  ORXSHA256 hash;
+  hash.update(tag);
+  hash.update(std::string_view("\0", 1));
+  hash.update(canonicalText);
+  return ofHash(hash.finalize());
+}
+
 ORXDigest ORXDigest::domain(ORXDigestDomain domain, const ORXCanonicalValue& value) {
   return ORXDigest::domain(orxRawValue(domain), value);
 }

@@ -8,7 +8,6 @@
 #include <ravo-orx/core/ORXCanonicalJSON.h>
 #include <ravo-orx/core/ORXCanonicalTextOutput.h>
 #include <ravo-orx/core/ORXDigest.h>
-#include <ravo-orx/core/ORXSHA256.h>
 
 namespace ravo::orx::internal {
 
@@ -349,11 +348,7 @@ std::string orxDecisionFieldText(const OrxDecisionField& field, std::int32_t val
 }
 
 std::string orxDecisionLogLineDigest(std::string_view domain, std::string_view line) {
-  ORXSHA256 hash;
-  hash.update(domain);
-  hash.update(std::string_view("\0", 1));
-  hash.update(line);
-  return ORXDigest::ofHash(hash.finalize()).value();
+  return ORXDigest::domainOfCanonicalText(domain, line).value();
 }
 
 OrxDecisionLogLine orxReadDecisionLogLine(std::string_view line) {

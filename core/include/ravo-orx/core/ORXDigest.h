@@ -31,6 +31,9 @@ class RAVO_ORX_API ORXDigest {
   // taken as given; records pass their own ORXDigestDomain.
   static ORXDigest domain(std::string_view tag, const ORXCanonicalValue& value);
   static ORXDigest domain(ORXDigestDomain domain, const ORXCanonicalValue& value);
+  // The same digest from a value's canonical text, for callers that hold the text already (a log's
+  // lines); `canonicalText` must be canonical, or the digest names no value.
+  static ORXDigest domainOfCanonicalText(std::string_view tag, std::string_view canonicalText);
 
   const std::string& value() const { return value_; }
   const std::string& description() const { return value_; }
