@@ -10,6 +10,7 @@
 #include <thread>
 
 #include <ravo-orx/core/ORXCanonicalJSON.h>
+#include <ravo-orx/core/ORXDigest.h>
 #include <ravo-orx/runtime/OrxLog.h>
 #include <ravo-orx/runtime/OrxPolicyRuntime.h>
 #include "runtime/tests/DecisionLogTestSupport.h"
@@ -45,6 +46,9 @@ TEST_F(OrxDecisionLogRecords, OneRecordIsTheLiteralCanonicalLine) {
   EXPECT_TRUE(std::regex_match(lines[1], std::regex(R"(\{"block":0,"dropped":0,"firstSequence":0,"nextSequence":1,)"
                                                     R"("records":\["sha256:[0-9a-f]{64}"\],"type":"seal"\})")));
   EXPECT_EQ(logged.writer->head(), orxDecisionLogLineDigest(kOrxDecisionSealDomain, lines[1]));
+  // The seal lists the record by the system's domain digest of the record's value.
+  EXPECT_NE(lines[1].find(ORXDigest::domain(kOrxDecisionRecordDomain, ORXCanonicalJSON::parse(lines[0])).value()),
+            std::string::npos);
 }
 
 // Each path of each kind: the line is canonical and reads back as the decision that was returned, with
@@ -174,6 +178,7 @@ TEST_F(OrxDecisionLogRecords, MalformedLinesAreRefusedWithTheReason) {
       {replaced("\"type\":\"decision\"", "\"type\":\"note\""), "\"type\" must be \"decision\" or \"seal\""},
       {replaced("\"sequence\":0", "\"sequence\":-1"), "\"sequence\" must be an integer from 0"},
       {replaced("\"emitted\":\\[5201,1,6,0,3\\]", "\"emitted\":[1,2,3,4,5,6,7,8,9]"), "\"emitted\" must be an array"},
+      {replaced("\"emitted\":\\[5201,", "\"emitted\":[-2147483649,"), "\"emitted\" holds a value that is not 32-bit"},
       {replaced("\"moduleSha256\":\"[0-9a-f]{64}\"", "\"moduleSha256\":\"ABC\""), "64 lowercase hex digits"},
       {replaced("\\{\"decision\"", "{ \"decision\""), "not canonical JSON"},
       {replaced("\"kind\":\"authz\",", "\"kind\":\"authz\",\"extra\":1,"), "not canonical JSON"},
@@ -259,6 +264,9 @@ TEST_F(OrxDecisionLogTampering, EveryKindIsDetectedAndNamed) {
       {"duplicate a block", copy(5, 8, 9), false, "line 12: the seal of block 1 repeats or comes after a later block"},
       {"reorder blocks", swap(5, 9, 4), false, "line 8: the seal of block 2 does not follow the seal before it"},
       {"edit a seal's count", edit(8, "\"dropped\":0", "\"dropped\":1"), false, "line 8: the sequence range does not hold"},
+      {"shift the last block's range",
+       [&](Lines lines) { return edit(12, "\"nextSequence\":9", "\"nextSequence\":10")(edit(12, "\"firstSequence\":6", "\"firstSequence\":7")(lines)); },
+       false, "line 12: the seal of block 2 starts at sequence 7 where the block before it ended at 6"},
       {"truncate mid-line", [](Lines lines) { lines.pop_back(); return lines; }, true,
        "line 12: the file ends in the middle of this line: it was cut short, or its writer stopped mid-write (blocks 0 "
        "to 1 verified, up to line 8)"},
@@ -284,6 +292,19 @@ TEST_F(OrxDecisionLogTampering, ACutAtABlockBoundaryNeedsTheHead) {
   lines.resize(3);
   EXPECT_EQ(verifyLines(lines), std::nullopt);
   EXPECT_TRUE(verifyLines(lines, false, logged.writer->head()));
+}
+
+// The ring keeps the newest lines, as many as its capacity.
+TEST(OrxDecisionLogRing, KeepsTheNewestLinesUpToItsCapacity) {
+  const struct {
+    std::size_t capacity;
+    std::vector<std::string> kept;
+  } cases[] = {{1, {"c"}}, {2, {"b", "c"}}, {3, {"a", "b", "c"}}, {4, {"a", "b", "c"}}};
+  for (const auto& c : cases) {
+    OrxDecisionLogRingSink ring(c.capacity);
+    for (const char* line : {"a", "b", "c"}) ring.write(line, OrxDecisionLogLineType::record);
+    EXPECT_EQ(ring.lines(), c.kept) << c.capacity;
+  }
 }
 
 // A sink that holds the log's thread in write() until released, so the buffer can be filled on purpose.

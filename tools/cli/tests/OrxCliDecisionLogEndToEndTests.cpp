@@ -120,6 +120,14 @@ TEST(RavoOrxDecisionLog, ReplayAgainstAnotherVersionReportsExactlyTheChangedReco
   EXPECT_EQ(same.status, 0) << same;
   EXPECT_NE(same.out.find("5 authz records with"), std::string::npos) << same.out;
   EXPECT_NE(same.out.find(": 0 would change, 5 would not"), std::string::npos) << same.out;
+
+  // A sync module that traps answers hold, as no module did: only the source tells the two apart.
+  const auto trapping = scratch.path / "trapping_sync.wat";
+  std::ofstream(trapping) << R"((module (import "output" "emit" (func (param i32 i32 i32 i32 i32) (result i32)))
+    (func (export "decide") (param i32 i32 i32 i32 i32 i32 i32 i32) (result i32) unreachable)))";
+  const auto traps = run({"log", "replay", log.string(), "--against", trapping.string(), "sync"}, "");
+  EXPECT_NE(traps.out.find("compared 2 sync records"), std::string::npos) << traps;
+  EXPECT_NE(traps.out.find("(sequence 6) moduleUnavailable -> trap\n"), std::string::npos) << traps;
 }
 
 // A writer killed at a random moment leaves a log that verifies up to its last complete block, and
