@@ -171,7 +171,10 @@ TEST(RavoOrxDecisionLog, AWriterKilledAtAnyPointLeavesALogThatVerifiesUpToWhereI
 
     const auto verified = run({"log", "verify", log.string()}, "");
     if (verified.status == 0) {
-      EXPECT_NE(verified.out.find("head: sha256:"), std::string::npos) << "round " << round << ": " << verified;
+      // Killed before its first seal (a slow start, under sanitizers) leaves a log with no block: it
+      // verifies, with no head.
+      const bool sealed = verified.out.find("head: sha256:") != std::string::npos;
+      EXPECT_TRUE(sealed || verified.out.find(", blocks 0, ") != std::string::npos) << "round " << round << ": " << verified;
     } else {
       EXPECT_EQ(verified.status, 1) << "round " << round << ": " << verified;
       EXPECT_TRUE(std::regex_search(verified.err, std::regex("line \\d+: the file ends in the middle of this line: "
