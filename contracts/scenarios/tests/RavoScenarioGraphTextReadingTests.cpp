@@ -41,6 +41,13 @@ TEST(RavoScenarioGraphTextReading, GivesTheGraphOrTheErrorOfTheDocumentPath) {
       graph(R"([{"id":"00000000-0000-0000-0000-0000000000a1"}])", "[]", "[]"),
       graph(R"([{"id":"00000000-0000-0000-0000-0000000000a1","id":"00000000-0000-0000-0000-0000000000a2",)"
             R"("nodeType":"t","nodeVersion":"1","stableTargetIDs":[]}])", "[]", "[]"),
+      // Two edges members: the document keeps the last one.
+      R"({"nodes":[],"edges":[)" + edge + R"(],"edges":[],"requestedCapabilities":[]})",
+      graph("[]", R"([{"fromNodeID":"00000000-0000-0000-0000-000000000001","outputKey":"o",)"
+                  R"("toNodeID":"00000000-0000-0000-0000-000000000002"}])", "[]"),
+      graph("[]", R"([{"fromNodeID":"00000000-0000-0000-0000-000000000001","outputKey":"o","toNodeID":"x",)"
+                  R"("inputKey":"i"}])", "[]"),
+      R"({"nodes":[],"requestedCapabilities":[]})",
       graph("[]", "[]", "[1]"),
       graph("[]", "[]", "[]").substr(1),
       R"({"nodes":[],"edges":[]})",

@@ -3,6 +3,7 @@
 #include <string>
 
 #include <ravo-orx/contracts/support/RavoJSON.h>
+#include <ravo-orx/contracts/support/RavoTextNormalization.h>
 
 namespace ravo::orx {
 
@@ -62,6 +63,12 @@ TEST(RavoJSONReader, ReadsAndRefusesExactlyAsNlohmannDoes) {
       "{\"a\" 1}",
       "",
       "  ",
+      "\f[]",
+      "[1,\f2]",
+      "[-1.5, -0.25e1, -0.0e0, -12.75]",
+      "[01]",
+      "{\"k0\":0,\"k1\":1,\"k2\":2,\"k3\":3,\"k4\":4,\"k5\":5,\"k6\":6,\"k7\":7,\"k8\":8,\"k9\":9,\"k10\":10,"
+      "\"k11\":11,\"k12\":12,\"k13\":13,\"k14\":14,\"k15\":15,\"k16\":16,\"k3\":33,\"k17\":17}",
   };
   for (const auto& text : texts) {
     std::string expectedError;
@@ -77,6 +84,51 @@ TEST(RavoJSONReader, ReadsAndRefusesExactlyAsNlohmannDoes) {
       EXPECT_TRUE(sameDocument(read, expected)) << text << " read as " << read.dump();
     } catch (const RavoJSONDecodingError& error) {
       EXPECT_EQ(error.what(), expectedError) << text;
+    }
+  }
+}
+
+// An unterminated string makes nlohmann quote the rest of the text; the message is cut, but never
+// inside a character, whatever the width of the character the cut falls in.
+TEST(RavoJSONReader, CutsLongErrorsAtACharacterBoundary) {
+  for (const std::string character : {"\xc3\xa9", "\xe2\x82\xac", "\xf0\x9f\x98\x80"}) {
+    for (std::size_t lead = 0; lead < 4; ++lead) {
+      std::string text = "\"" + std::string(lead, 'a');
+      while (text.size() < 600) text += character;
+      std::string full;
+      try {
+        full = RavoJSON::parse(text).dump();  // not reached: the string is unterminated
+      } catch (const RavoJSON::exception& error) {
+        full = std::string("malformed JSON: ") + error.what();
+      }
+      try {
+        parseRavoJSON(text);
+        ADD_FAILURE() << "an unterminated string was read";
+      } catch (const RavoJSONDecodingError& error) {
+        const std::string message = error.what(), ellipsis = "\u2026";
+        ASSERT_TRUE(message.ends_with(ellipsis)) << message;
+        const std::string kept = message.substr(0, message.size() - ellipsis.size());
+        EXPECT_TRUE(ravoIsValidUTF8(kept)) << character << " after " << lead;
+        EXPECT_TRUE(full.starts_with(kept)) << message;
+        EXPECT_GT(kept.size(), 200u);
+        EXPECT_LT(kept.size(), 300u);
+      }
+    }
+  }
+}
+
+// nlohmann's lexer ends the input at a NUL, so a value followed by one would otherwise be read.
+TEST(RavoJSONReader, RefusesANulAfterTheValue) {
+  const std::pair<std::string, std::size_t> cases[] = {
+      {std::string("{}\0", 3), 2}, {std::string("{}\0junk", 7), 2}, {std::string("1 \0", 3), 2}, {std::string("\0", 1), 0}};
+  for (const auto& [text, offset] : cases) {
+    try {
+      parseRavoJSON(text);
+      ADD_FAILURE() << "read " << text.size() << " bytes with a NUL";
+    } catch (const RavoJSONDecodingError& error) {
+      if (offset == 0) continue;  // nothing before the NUL: nlohmann's own "unexpected end of input"
+      EXPECT_EQ(error.what(), "malformed JSON: unexpected NUL byte at offset " + std::to_string(offset) +
+                                  "; expected end of input");
     }
   }
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
 #include <random>
 #include <regex>
 #include <thread>
@@ -162,6 +163,11 @@ TEST(RavoOrxDecisionLog, AWriterKilledAtAnyPointLeavesALogThatVerifiesUpToWhereI
       }
       ::close(fd);
     });
+    // The kill lands at a random point after the log exists: on a loaded machine the tool may take
+    // longer than the shortest wait just to start.
+    for (int waited = 0; !std::filesystem::exists(log) && waited < 10'000; waited += 5) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
     std::this_thread::sleep_for(std::chrono::milliseconds(std::uniform_int_distribution(20, 400)(random)));
     ::kill(child, SIGKILL);
     int status = 0;
