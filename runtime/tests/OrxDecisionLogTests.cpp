@@ -280,6 +280,80 @@ TEST_F(OrxDecisionLogTampering, EveryKindIsDetectedAndNamed) {
   }
 }
 
+// Blocks sealed over chosen records of a real log: every number a block's range covers without a
+// record is a gap the verifier reports, wherever it falls, and the dropped counts add up over blocks.
+TEST_F(OrxDecisionLogTampering, ReportsEveryGapAndAddsTheDroppedCounts) {
+  OrxDecisionLogOptions options;
+  options.blockRecords = 64;
+  LoggedPuppets logged(options);
+  for (int i = 0; i < 8; ++i) logged.decider.authorize(kAllowedAuthorization);
+  logged.writer->flush();
+  std::vector<std::string> records;  // by sequence
+  for (const auto& line : logged.ring->lines()) {
+    if (orxReadDecisionLogLine(line).type == OrxDecisionLogLine::Type::record) records.push_back(line);
+  }
+  ASSERT_EQ(records.size(), 8u);
+
+  struct Block {
+    std::uint64_t first, next;
+    std::vector<std::uint64_t> present;
+  };
+  using Gap = std::tuple<std::uint64_t, std::uint64_t, std::uint64_t>;  // block, first missing, count
+  const auto logOf = [&](const std::vector<Block>& blocks) {
+    std::vector<std::string> lines;
+    std::optional<std::string> previous;
+    for (std::size_t b = 0; b < blocks.size(); ++b) {
+      OrxDecisionLogSeal seal{b, blocks[b].first, blocks[b].next, 0, previous, {}};
+      for (const auto sequence : blocks[b].present) {
+        lines.push_back(records[sequence]);
+        seal.records.push_back(orxDecisionLogLineDigest(kOrxDecisionRecordDomain, records[sequence]));
+      }
+      seal.dropped = seal.nextSequence - seal.firstSequence - seal.records.size();
+      std::string line;
+      orxAppendSealLine(line, seal);
+      previous = orxDecisionLogLineDigest(kOrxDecisionSealDomain, line);
+      lines.push_back(line);
+    }
+    return std::pair(lines, previous);
+  };
+  const struct {
+    const char* name;
+    std::vector<Block> blocks;
+    std::vector<Gap> gaps;
+  } cases[] = {
+      {"none missing", {{0, 3, {0, 1, 2}}}, {}},
+      {"one missing inside", {{0, 4, {0, 2, 3}}}, {{0, 1, 1}}},
+      {"one missing at the start", {{0, 3, {1, 2}}}, {{0, 0, 1}}},
+      {"one missing at the end", {{0, 3, {0, 1}}}, {{0, 2, 1}}},
+      {"two runs", {{0, 6, {0, 2, 5}}}, {{0, 1, 1}, {0, 3, 2}}},
+      {"one per block", {{0, 3, {0, 2}}, {3, 6, {3, 4}}}, {{0, 1, 1}, {1, 5, 1}}},
+      {"a block of nothing but gaps", {{0, 2, {}}, {2, 4, {2, 3}}}, {{0, 0, 2}}},
+  };
+  for (const auto& c : cases) {
+    const auto [lines, head] = logOf(c.blocks);
+    internal::OrxDecisionLogVerifier verifier;
+    for (const auto& line : lines) ASSERT_TRUE(verifier.read(line)) << c.name << ": " << *verifier.problem();
+    verifier.finish(false, head);
+    ASSERT_EQ(verifier.problem(), std::nullopt) << c.name;
+    std::vector<Gap> gaps;
+    std::uint64_t missing = 0;
+    for (const auto& gap : verifier.gaps()) {
+      gaps.emplace_back(gap.block, gap.firstSequence, gap.count);
+      missing += gap.count;
+    }
+    EXPECT_EQ(gaps, c.gaps) << c.name;
+    EXPECT_EQ(verifier.droppedRecords(), missing) << c.name;
+  }
+
+  // A head names a seal: a log that holds none cannot end in it, whatever records it has.
+  const std::string someHead = "sha256:" + std::string(64, 'a');
+  for (const std::vector<std::string>& unsealed : {std::vector<std::string>{}, std::vector<std::string>{records[0]}}) {
+    const auto problem = verifyLines(unsealed, false, someHead);
+    ASSERT_TRUE(problem) << unsealed.size() << " records";
+    EXPECT_NE(problem->find("the log's last seal is absent, not the head " + someHead), std::string::npos) << *problem;
+  }
+}
+
 // Cutting a log at a line boundary leaves a shorter log that is itself consistent: only the head,
 // published elsewhere, tells it was longer.
 TEST_F(OrxDecisionLogTampering, ACutAtABlockBoundaryNeedsTheHead) {

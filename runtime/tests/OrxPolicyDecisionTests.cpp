@@ -111,6 +111,7 @@ TEST(OrxPolicyDecisions, AuthorizationAcceptsOnlyAnEchoedTaggedRecordInRange) {
       {"wrong tag", {emits, 5301, 1, 6, 0, 3, 1}, 6, invalid},
       {"record disagrees with the result", {emits, 5201, 1, 6, 0, 3, 0}, 6, invalid},
       {"result outside 0 and 1", {emits, 5201, 2, 6, 0, 3, 2}, 6, invalid},
+      {"result -1", {emits, 5201, -1, 6, 0, 3, -1}, 6, invalid},
       {"command not echoed", {emits, 5201, 1, 7, 0, 3, 1}, 6, invalid},
       {"unknown reason", {emits, 5201, 0, 6, 8, 3, 0}, 6, invalid},
       {"four values", {emitsFour, 5201, 1, 6, 0, 3, 1}, 6, invalid},
