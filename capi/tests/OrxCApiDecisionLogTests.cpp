@@ -4,9 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
 #include <string>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -75,6 +80,68 @@ TEST(OrxCApiDecisionLog, TheFileSinkContinuesALogAcrossRuntimes) {
   EXPECT_NE(lines[2].find("\"sequence\":1,"), std::string::npos) << lines[2];
   EXPECT_NE(lines[3].find("\"block\":1,"), std::string::npos) << lines[3];
   fs::remove(file);
+}
+
+// A callback that holds the log's thread on its first line until the test opens it, so the buffer fills.
+struct HeldSink {
+  std::mutex lock;
+  std::condition_variable changed;
+  bool entered = false, open = false;
+
+  static void line(void* context, const char*, size_t, int32_t) {
+    auto* sink = static_cast<HeldSink*>(context);
+    std::unique_lock guard(sink->lock);
+    sink->entered = true;
+    sink->changed.notify_all();
+    sink->changed.wait(guard, [&] { return sink->open; });
+  }
+  void waitUntilEntered() {
+    std::unique_lock guard(lock);
+    changed.wait(guard, [&] { return entered; });
+  }
+  void release() {
+    std::lock_guard guard(lock);
+    open = true;
+    changed.notify_all();
+  }
+};
+
+// With a buffer of two records held full, "drop" lets decisions go on and counts what it dropped (not
+// as lost: nothing failed to be written), and "block" holds the deciding thread until there is room.
+TEST(OrxCApiDecisionLog, AFullBufferDropsOrBlocksAsAsked) {
+  for (const orx_log_when_full whenFull : {ORX_LOG_WHEN_FULL_DROP, ORX_LOG_WHEN_FULL_BLOCK}) {
+    const bool blocks = whenFull == ORX_LOG_WHEN_FULL_BLOCK;
+    HeldSink sink;
+    orx_decision_log_options options{};
+    options.callback = HeldSink::line;
+    options.context = &sink;
+    options.buffer_records = 2;
+    options.when_full = whenFull;
+    orx_runtime* runtime = nullptr;
+    ASSERT_EQ(orx_runtime_open_with_log("artifacts", &options, &runtime), ORX_OK) << orx_last_error();
+    orx_authorization_decision decision{};
+    orx_authorize(runtime, &kController, &decision);
+    sink.waitUntilEntered();
+    std::atomic<int> decided = 0;
+    std::thread deciding([&] {
+      for (int i = 0; i < 5; ++i, ++decided) orx_authorize(runtime, &kController, &decision);
+    });
+    if (blocks) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      EXPECT_EQ(decided.load(), 2) << "decisions went on with no room for their records";
+    } else {
+      deciding.join();
+    }
+    sink.release();
+    if (deciding.joinable()) deciding.join();
+    ASSERT_EQ(orx_runtime_log_flush(runtime), ORX_OK);
+    uint64_t written = 0, dropped = 0, lost = 0;
+    EXPECT_EQ(orx_runtime_log_counts(runtime, &written, &dropped, &lost), ORX_OK);
+    EXPECT_EQ(written, blocks ? 6u : 3u) << whenFull;
+    EXPECT_EQ(dropped, blocks ? 0u : 3u) << whenFull;
+    EXPECT_EQ(lost, 0u) << whenFull;
+    orx_runtime_close(runtime);
+  }
 }
 
 TEST(OrxCApiDecisionLog, MisuseGivesItsStatus) {

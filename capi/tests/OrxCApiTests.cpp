@@ -245,9 +245,14 @@ TEST(OrxCApi, EvidenceReaderGivesItsVerdictAndMessage) {
 TEST(OrxCApi, UnloadableArtifactsGiveARuntimeAndTheirStatus) {
   const fs::path scratch = fs::temp_directory_path() / ("orx-capi-" + std::to_string(::getpid()));
   fs::remove_all(scratch);
-  fs::create_directories(scratch / "partial");
-  fs::copy(kArtifacts, scratch / "partial");
-  std::ofstream(scratch / "partial" / "cinema_admission.wasm", std::ios::binary | std::ios::app) << 'x';
+  const auto alteredCopy = [&](const char* name, std::initializer_list<const char*> altered) {
+    fs::create_directories(scratch / name);
+    fs::copy(kArtifacts, scratch / name);
+    for (const char* module : altered) std::ofstream(scratch / name / module, std::ios::binary | std::ios::app) << 'x';
+  };
+  alteredCopy("partial", {"cinema_admission.wasm"});
+  alteredCopy("cinema-only", {"player_authz.wasm", "sync_correction.wasm"});
+  alteredCopy("sync-only", {"player_authz.wasm", "cinema_admission.wasm"});
 
   struct Case {
     const char* what;
@@ -259,6 +264,8 @@ TEST(OrxCApi, UnloadableArtifactsGiveARuntimeAndTheirStatus) {
   const std::vector<Case> cases{
       {"no such directory", scratch / "missing", ORX_STATUS_UNAVAILABLE, {0, 0, 0}},
       {"one module altered", scratch / "partial", ORX_STATUS_PARTIALLY_AVAILABLE, {1, 1, 0}},
+      {"only cinema admission intact", scratch / "cinema-only", ORX_STATUS_PARTIALLY_AVAILABLE, {0, 0, 1}},
+      {"only sync intact", scratch / "sync-only", ORX_STATUS_PARTIALLY_AVAILABLE, {0, 1, 0}},
       {"the bundled artifacts", kArtifacts, ORX_OK, {1, 1, 1}},
   };
   std::vector<std::string> logged;
