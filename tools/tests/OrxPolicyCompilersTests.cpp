@@ -7,18 +7,37 @@
 #include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <regex>
 #include <string>
 #include <vector>
 
 #include <ravo-orx/package_check/OrxPolicyCompilers.h>
 #include <ravo-orx/package_check/OrxPolicyPreludes.h>
+#include <ravo-orx/package_check/OrxProcess.h>
 #include <ravo-orx/runtime/OrxDecisionKinds.h>
 
 namespace ravo::orx {
 namespace {
 
 namespace fs = std::filesystem;
+
+void writeText(const fs::path& path, const std::string& text) {
+  fs::create_directories(path.parent_path());
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+// The module, or nothing (with why in `missing`) where the language's compiler is not installed.
+std::optional<std::vector<std::uint8_t>> compiledUnlessMissing(OrxPolicyCompilers& compilers, const fs::path& source,
+                                                             std::string& missing) {
+  try {
+    return compilers.compile({source, *orxPolicyLanguageOf(source)});
+  } catch (const std::runtime_error& error) {
+    if (std::string(error.what()).find("no rustc on PATH") == std::string::npos) throw;
+    missing = error.what();
+    return std::nullopt;
+  }
+}
 
 std::string upper(std::string_view text) {
   std::string result(text);
@@ -91,6 +110,30 @@ bool hasCustomSection(const std::vector<std::uint8_t>& module) {
   return false;
 }
 
+// The initial size of the module's memory in 64 KiB pages: the linker puts the stack there.
+std::uint64_t initialMemoryPages(const std::vector<std::uint8_t>& module) {
+  std::size_t at = 8;
+  const auto leb = [&] {
+    std::uint64_t value = 0;
+    for (int shift = 0; at < module.size(); shift += 7) {
+      const std::uint8_t byte = module[at++];
+      value |= static_cast<std::uint64_t>(byte & 0x7f) << shift;
+      if (!(byte & 0x80)) break;
+    }
+    return value;
+  };
+  while (at < module.size()) {
+    const std::uint8_t id = module[at++];
+    const std::size_t size = leb(), end = at + size;
+    if (id == 5 && leb() >= 1) {
+      leb();  // limits flags
+      return leb();
+    }
+    at = end;
+  }
+  return 0;
+}
+
 // The same source compiled from two places, under two names, gives the same bytes: no path, time or
 // scratch directory reaches a module. The compilers used are then listed for the compiler identity.
 TEST(OrxPolicyCompilers, ModulesDependOnTheSourceAlone) {
@@ -108,22 +151,97 @@ TEST(OrxPolicyCompilers, ModulesDependOnTheSourceAlone) {
     const fs::path elsewhere = scratch / "somewhere/else" / ("renamed" + source.extension().string());
     fs::create_directories(elsewhere.parent_path());
     fs::copy_file(source, elsewhere, fs::copy_options::overwrite_existing);
-    std::vector<std::uint8_t> here, there;
-    try {
-      here = compilers.compile({source, *orxPolicyLanguageOf(source)});
-      there = compilers.compile({elsewhere, *orxPolicyLanguageOf(source)});
-    } catch (const std::runtime_error& error) {
-      if (std::string(error.what()).find("no rustc on PATH") != std::string::npos) GTEST_SKIP() << error.what();
-      throw;
+    std::string missing;
+    const auto here = compiledUnlessMissing(compilers, source, missing);
+    if (!here) GTEST_SKIP() << missing;
+    EXPECT_EQ(here, compiledUnlessMissing(compilers, elsewhere, missing));
+    EXPECT_EQ(std::vector<std::uint8_t>(here->begin(), here->begin() + 4), (std::vector<std::uint8_t>{0, 'a', 's', 'm'}));
+    EXPECT_FALSE(hasCustomSection(*here));
+    if (source.extension() != ".wat") {
+      EXPECT_LE(initialMemoryPages(*here), 2u) << "a 64 KiB stack and the data";
     }
-    EXPECT_EQ(here, there);
-    EXPECT_EQ(std::vector<std::uint8_t>(here.begin(), here.begin() + 4), (std::vector<std::uint8_t>{0, 'a', 's', 'm'}));
-    EXPECT_FALSE(hasCustomSection(here));
     std::vector<std::string> names;
     for (const auto& file : compilers.filesUsed()) names.push_back(file.name);
     for (const auto& name : row.listed) EXPECT_NE(std::find(names.begin(), names.end(), name), names.end()) << name;
   }
   fs::remove_all(scratch);
+}
+
+// A Rust policy that indexes an array keeps a panic location, which names its source file: the path is
+// remapped, so the bytes still do not depend on where the source is.
+TEST(OrxPolicyCompilers, RustPanicLocationsDoNotNameTheSourcesDirectory) {
+  const OrxScratchDirectory scratch("panic-location");
+  const std::string source = R"(#![no_std]
+use orx_policy::*;
+#[no_mangle]
+pub extern "C" fn decide(role: i32, command: i32, _: i32, _: i32, _: i32, _: i32, _: i32, _: i32) -> i32 {
+    let versions = [3, 4, 5];
+    let version = versions[role as usize];
+    emit(AUTHZ_TAG, 0, command, 5, version);
+    0
+}
+)";
+  auto compilers = OrxPolicyCompilers::find();
+  writeText(scratch.path() / "one/policy.rs", source);
+  writeText(scratch.path() / "two/deeper/policy.rs", source);
+  std::string missing;
+  const auto here = compiledUnlessMissing(compilers, scratch.path() / "one/policy.rs", missing);
+  if (!here) GTEST_SKIP() << missing;
+  EXPECT_EQ(here, compiledUnlessMissing(compilers, scratch.path() / "two/deeper/policy.rs", missing));
+  EXPECT_NE(std::string(here->begin(), here->end()).find("policies/policy.rs"), std::string::npos);
+}
+
+// A compiler's refusal is shown whole, prefixed with the source only when the compiler did not name it.
+TEST(OrxPolicyCompilers, RefusalsCarryTheCompilersOwnDiagnostic) {
+  const OrxScratchDirectory scratch("refusals");
+  const struct {
+    const char* file;
+    const char* text;
+    const char* diagnostic;
+  } cases[] = {
+      {"syntax.c", "int decide(int a) { return a +; }\n", "error: expected expression"},
+      // The linker names its object file, not the source.
+      {"unlinked.c",
+       "int helper(int);\n__attribute__((export_name(\"decide\"))) int decide(int a) { return helper(a); }\n",
+       "undefined symbol: helper"},
+      {"syntax.wat", "(module (func $f (result i32) (i32.const)))\n", "error:"},
+  };
+  auto compilers = OrxPolicyCompilers::find();
+  for (const auto& c : cases) {
+    const fs::path source = scratch.path() / c.file;
+    writeText(source, c.text);
+    try {
+      compilers.compile({source, *orxPolicyLanguageOf(source)});
+      ADD_FAILURE() << c.file << " compiled";
+    } catch (const std::runtime_error& error) {
+      const std::string message = error.what();
+      EXPECT_TRUE(message.starts_with(source.string() + ":")) << message;
+      EXPECT_NE(message.find(c.diagnostic), std::string::npos) << message;
+      EXPECT_EQ(message.find(source.string() + ": " + source.string()), std::string::npos) << message;
+    }
+  }
+}
+
+// A process ended by a signal reports 128 plus the signal, never success; PATH lists only files that
+// can be run.
+TEST(OrxProcess, ReportsSignalsAndFindsOnlyExecutables) {
+  EXPECT_EQ(runOrxProcess({"/bin/sh", "-c", "kill -9 $$"}).status, 128 + 9);
+  EXPECT_EQ(runOrxProcess({"/bin/sh", "-c", "exit 3"}).status, 3);
+  const auto echoed = runOrxProcess({"/bin/sh", "-c", "echo out; echo err >&2"});
+  EXPECT_EQ(echoed.out, "out\n");
+  EXPECT_EQ(echoed.err, "err\n");
+
+  const OrxScratchDirectory scratch("path");
+  const fs::path plain = scratch.path() / "plain", runnable = scratch.path() / "runnable";
+  writeText(plain / "orx-tool", "");
+  writeText(runnable / "orx-tool", "#!/bin/sh\n");
+  fs::permissions(runnable / "orx-tool", fs::perms::owner_all);
+  const char* saved = std::getenv("PATH");
+  const std::string previous = saved ? saved : "";
+  ::setenv("PATH", (plain.string() + ":" + runnable.string()).c_str(), 1);
+  const auto found = findAllOnPath("orx-tool");
+  ::setenv("PATH", previous.c_str(), 1);
+  EXPECT_EQ(found, std::vector<fs::path>{runnable / "orx-tool"});
 }
 
 }  // namespace

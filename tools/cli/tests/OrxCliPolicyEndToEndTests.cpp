@@ -199,6 +199,24 @@ TEST(RavoOrxPolicy, TestHoldsTheModuleToTheManifestsContract) {
   }
 }
 
+// A case names decide's result as the record's second value: a decide that returns nothing fails it,
+// even when it emits exactly the record and the runtime, reading nothing as 0, would accept it.
+TEST(RavoOrxPolicy, TestHoldsDecideToTheResultTheCaseNames) {
+  const Scratch scratch("ravo-orx-void-decide-");
+  writeFile(scratch.path / "player_authz.wat", R"((module
+  (import "output" "emit" (func $emit (param i32 i32 i32 i32 i32) (result i32)))
+  (func (export "decide") (param i32 i32 i32 i32 i32 i32 i32 i32)
+    (drop (call $emit (i32.const 5201) (i32.const 0) (local.get 1) (i32.const 5) (i32.const 3)))))
+)");
+  const fs::path manifest = scratch.path / "player_authz.manifest.json";
+  fs::copy(kRoot / "policies/player_authz.manifest.json", manifest);
+  replaceIn(manifest, "\"decide\": \"func decide(i32, i32, i32, i32, i32, i32, i32, i32) -> (i32)\"",
+            "\"decide\": \"func decide(i32, i32, i32, i32, i32, i32, i32, i32) -> ()\"");
+  EXPECT_EQ(run({"policy", "test", "--run", "renderer main-screen", manifest.string()}, ""),
+            (Outcome{"FAIL player_authz \"renderer main-screen command needs a controller\": expected "
+                     "[5201, 0, 6, 5, 3] and decide returning 0, decide returned nothing\n0 passed, 1 failed\n", "", 1}));
+}
+
 // --run selects by "module/case", --json reports on standard output, --junit writes JUnit XML.
 TEST(RavoOrxPolicy, TestSelectsCasesAndWritesReportsForMachines) {
   const Scratch scratch("ravo-orx-reports-");
