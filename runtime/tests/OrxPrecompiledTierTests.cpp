@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 #include <map>
 #include <optional>
@@ -133,6 +136,43 @@ TEST(OrxPrecompiledTier, OnlyTheApprovedBytesBindNativeCode) {
   EXPECT_EQ(other->tier(), OrxExecutionTier::interpreted);
   OrxPolicyRuntime runtime(std::filesystem::path("artifacts"));
   EXPECT_EQ(runtime.executionTiers(), "authz precompiled / sync precompiled / cinema precompiled");
+}
+
+// The build step that guards translation: only a file whose bytes are the approved artifact's passes,
+// and a refusal says how to fix it.
+TEST(OrxPrecompiledTier, TheBuildTranslatesOnlyTheApprovedArtifact) {
+  const std::filesystem::path scratch =
+      std::filesystem::temp_directory_path() / ("orx-approved-check-" + std::to_string(::getpid()));
+  std::filesystem::create_directories(scratch);
+  const std::filesystem::path altered = scratch / "player_authz.wasm";
+  std::filesystem::copy_file("artifacts/player_authz.wasm", altered, std::filesystem::copy_options::overwrite_existing);
+  std::ofstream(altered, std::ios::binary | std::ios::app) << '\0';
+  const auto check = [](const std::string& module, const std::filesystem::path& file) {
+    const std::string command = std::string(ORX_APPROVED_MODULE_CHECK) + " " + module + " " + file.string() + " 2>&1";
+    FILE* pipe = ::popen(command.c_str(), "r");
+    std::string output;
+    for (int c; (c = std::fgetc(pipe)) != EOF;) output.push_back(static_cast<char>(c));
+    const int status = ::pclose(pipe);
+    return std::pair(WEXITSTATUS(status), output);
+  };
+  const struct {
+    const char* what;
+    std::string module;
+    std::filesystem::path file;
+    int status;
+    std::string says;
+  } cases[] = {
+      {"the approved artifact", "player_authz", "artifacts/player_authz.wasm", 0, ""},
+      {"another module's artifact", "player_authz", "artifacts/sync_correction.wasm", 1, "but this build approves"},
+      {"one byte more", "player_authz", altered, 1, "Run 'ravo-orx policy build'"},
+      {"a module the build does not know", "unknown_policy", "artifacts/player_authz.wasm", 1, "approves nothing for unknown_policy"},
+  };
+  for (const auto& c : cases) {
+    const auto [status, output] = check(c.module, c.file);
+    EXPECT_EQ(status, c.status) << c.what << ": " << output;
+    EXPECT_NE(output.find(c.says), std::string::npos) << c.what << ": " << output;
+  }
+  std::filesystem::remove_all(scratch);
 }
 
 TEST(OrxPrecompiledTier, TrapsReturnToTheTrappingThreadsOwnCall) {
