@@ -262,6 +262,11 @@ TEST(RavoOrxPolicy, TestSelectsCasesAndWritesReportsForMachines) {
                                  "[5201, 1, 8, 0, 3]\"/>\n    </testcase>\n"),
             std::string::npos)
       << fileText(junit);
+
+  // XML 1.0 cannot hold most control characters at all, escaped or not: they become '?'.
+  replaceIn(manifest, R"("admin <may> & \"changes\"")", R"("bell\u0007 escape\u001b[31m tab\t")");
+  EXPECT_EQ(run({"policy", "test", "--run", "bell", "--junit", junit.string(), manifest.string()}, "").status, 1);
+  EXPECT_NE(fileText(junit).find("name=\"bell? escape?[31m tab&#9;\""), std::string::npos) << fileText(junit);
 }
 
 // A record the runtime refuses, explained by its rule; a second emission warned of; fuel and stack told.
