@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the policy artifacts and the build constants that approve them: `ravo-orx policy build` (see
 # tools/README.md), with a ravo-orx of its own. That tree is interpreter-only, so it builds even while
-# artifacts/ and runtime/OrxBuildConstants.cpp disagree.
+# the artifacts and the build constants in artifacts/ disagree.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 cmake -S . -B build/tools -G Ninja -DCMAKE_BUILD_TYPE=Release -DORX_BUILD_TESTS=OFF -DORX_BUILD_BENCHMARKS=OFF \

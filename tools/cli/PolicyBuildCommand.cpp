@@ -17,7 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kConstantsSource = "runtime/OrxBuildConstants.cpp";
 // Marks the repository root: the declarations the written constants define.
 const fs::path kConstantsHeader = "runtime/constants/include/ravo-orx/runtime/OrxBuildConstants.h";
 
@@ -43,8 +42,8 @@ class RepositoryBuildLock {
 };
 
 int runBuild(OrxCliArguments& arguments) {
-  const OrxArtifactBuildPaths paths{arguments.option("--policies").value_or("policies"),
-                                    arguments.option("--artifacts").value_or("artifacts"), kConstantsSource, "."};
+  const OrxArtifactBuildPaths paths{arguments.option("--policies").value_or("policies"), "."};
+  const fs::path artifacts = arguments.option("--artifacts").value_or("artifacts");
   const bool check = arguments.flag("--check") || arguments.flag("--dry-run");
   arguments.finish();
   if (!fs::exists(kConstantsHeader) || !fs::is_directory("tools/package_check")) {
@@ -66,15 +65,16 @@ int runBuild(OrxCliArguments& arguments) {
   }
   orxCliPrint("compiler   " + build.toolchain.compilerIdentity);
   if (check) {
-    const auto changed = changedFiles(build.files);
-    for (const auto& file : changed) orxCliPrint("would write " + file.path.string());
+    const auto changed = changedArtifactFiles(artifacts, build.files);
+    for (const auto& name : changed) orxCliPrint("would write " + (artifacts / name).string());
     orxCliPrint(changed.empty() ? "artifacts and build constants are up to date; nothing written (--check)"
                                 : "nothing written (--check)");
     return changed.empty() ? 0 : kOrxCliRefusedInput;
   }
-  const auto written = writeChangedFiles(build.files);
-  for (const auto& path : written) orxCliPrint("wrote " + path.string());
-  if (written.empty()) orxCliPrint("artifacts and build constants unchanged");
+  const auto replaced = replaceArtifactSet(artifacts, build.files);
+  for (const auto& name : replaced.written) orxCliPrint("wrote " + (artifacts / name).string());
+  for (const auto& warning : replaced.warnings) orxCliWarn("ravo-orx policy build", warning);
+  if (replaced.written.empty()) orxCliPrint("artifacts and build constants unchanged");
   else orxCliPrint("rebuild the project to approve the new artifacts");
   return 0;
 }
@@ -88,10 +88,12 @@ constinit const OrxCliCommand kOrxCliPolicyBuildCommand{
     "(policies/<module>.wat with wat2wasm, .c with clang and wasm-ld, .rs with rustc), runs the\n"
     "package check on each (the runtime's module host and budgets, the manifest's contract\n"
     "and every case) and, only when every module passes, writes the artifacts (<module>.wasm,\n"
-    "<module>.package-check.json, evidence.json) and runtime/OrxBuildConstants.cpp, so that the next\n"
-    "build of the project approves exactly those artifacts. Only files whose bytes change are written:\n"
-    "rebuilding unchanged policies leaves every file as it was. When anything fails it writes nothing\n"
-    "and exits with status 1. A second build in the same repository waits for the first to end.\n"
+    "<module>.package-check.json, evidence.json) and the build constants source that approves them\n"
+    "(OrxBuildConstants.cpp, which the next build of the project compiles) into artifacts/. The\n"
+    "directory is replaced as a whole, so a failure or a crash leaves the old set or the new one; it\n"
+    "must hold nothing else. Files whose bytes do not change keep their times: rebuilding unchanged\n"
+    "policies touches nothing. When anything fails it writes nothing and exits with status 1. A second\n"
+    "build in the same repository waits for the first to end.\n"
     "--check (or --dry-run) does everything but write: it lists the files a build would write and\n"
     "exits with status 0 when there are none, 1 when the artifacts are out of date.\n"
     "tools/README.md defines the compiler identity and toolchain digest.\n",

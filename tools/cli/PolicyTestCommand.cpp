@@ -9,7 +9,7 @@
 #include <ravo-orx/cli/OrxCliCommand.h>
 #include <ravo-orx/cli/OrxCliIO.h>
 #include <ravo-orx/cli/OrxCliTestReport.h>
-#include <ravo-orx/package_check/OrxArtifactBuild.h>
+#include <ravo-orx/package_check/OrxDurableFiles.h>
 #include <ravo-orx/package_check/OrxPolicyCases.h>
 #include <ravo-orx/package_check/OrxPolicyCompilers.h>
 
@@ -163,7 +163,7 @@ int runTest(OrxCliArguments& arguments) {
   }
   // Only a filter can select nothing: a manifest without cases is refused.
   if (report.passed() + report.failed() == 0) throw std::runtime_error("no case matches --run \"" + *pattern + "\"");
-  if (junit) writeChangedFiles({{*junit, orxCliTestReportJUnit(report)}});
+  if (junit) orxReplaceFile(*junit, orxCliTestReportJUnit(report));
   if (json) orxCliPrint(orxCliTestReportJSON(report));
   else printText(report, options, notes);
   return report.failed() == 0 ? 0 : kOrxCliRefusedInput;

@@ -1,10 +1,5 @@
 #include <ravo-orx/package_check/OrxArtifactBuild.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 #include <ravo-orx/core/ORXSHA256.h>
@@ -19,15 +14,9 @@ using namespace internal;
 
 namespace {
 
-namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
 std::string text(const std::vector<std::uint8_t>& bytes) { return {bytes.begin(), bytes.end()}; }
-
-bool fileHasBytes(const fs::path& path, const std::string& bytes) {
-  std::ifstream stream(path, std::ios::binary);
-  return stream && std::string(std::istreambuf_iterator<char>(stream), {}) == bytes;
-}
 
 }  // namespace
 
@@ -61,8 +50,8 @@ OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, OrxPolicy
       for (const auto& failure : check.failures) build.failures.push_back(module + ": " + failure);
       build.modules.push_back({module, ORXSHA256::hex(wasm), ORXSHA256::hex(source), ORXSHA256::hex(manifest)});
       records.push_back(std::move(check.evidence));
-      files.push_back({paths.artifacts / orxModuleFileName(module), text(wasm)});
-      files.push_back({paths.artifacts / orxPackageCheckFileName(module), std::move(check.report)});
+      files.push_back({orxModuleFileName(module), text(wasm)});
+      files.push_back({orxPackageCheckFileName(module), std::move(check.report)});
     } catch (const std::exception& error) {
       build.failures.push_back(module + ": " + error.what());
     }
@@ -75,36 +64,10 @@ OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, OrxPolicy
                          {"compilerIdentity", toolchain.compilerIdentity},
                          {"toolchainBundleSha256", toolchain.toolchainBundleSha256},
                          {"modules", records}};
-  files.push_back({paths.artifacts / kOrxEvidenceFile, evidence.dump(2) + "\n"});
-  files.push_back({paths.constantsSource, orxBuildConstantsSource(toolchain, build.modules)});
+  files.push_back({std::string(kOrxEvidenceFile), evidence.dump(2) + "\n"});
+  files.push_back({std::string(kOrxBuildConstantsFile), orxBuildConstantsSource(toolchain, build.modules)});
   build.files = std::move(files);
   return build;
-}
-
-std::vector<OrxBuiltFile> changedFiles(const std::vector<OrxBuiltFile>& files) {
-  std::vector<OrxBuiltFile> changed;
-  std::copy_if(files.begin(), files.end(), std::back_inserter(changed),
-               [](const OrxBuiltFile& file) { return !fileHasBytes(file.path, file.bytes); });
-  return changed;
-}
-
-std::vector<fs::path> writeChangedFiles(const std::vector<OrxBuiltFile>& files) {
-  std::vector<fs::path> written;
-  for (const auto& [path, bytes] : changedFiles(files)) {
-    const fs::path temporary = path.string() + ".partial";
-    std::error_code error;
-    fs::create_directories(path.parent_path().empty() ? "." : path.parent_path(), error);
-    std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
-    stream << bytes;
-    stream.close();
-    if (!stream || (fs::rename(temporary, path, error), error)) {
-      const std::string reason = error ? error.message() : std::strerror(errno);
-      fs::remove(temporary, error);
-      throw std::runtime_error("could not write " + path.string() + ": " + reason);
-    }
-    written.push_back(path);
-  }
-  return written;
 }
 
 }  // namespace ravo::orx

@@ -29,8 +29,8 @@ int main(int argc, char** argv) {
     if (entry == approved.end() || entry->second != digest) {
       std::fprintf(stderr,
                    "%s has SHA-256 %s, but this build approves %s for %s. Run 'ravo-orx policy build' "
-                   "(or tools/build_orx.sh) from the repository root: it writes the artifacts and "
-                   "runtime/OrxBuildConstants.cpp together.\n",
+                   "(or tools/build_orx.sh) from the repository root: it writes the artifacts and the "
+                   "build constants that approve them together.\n",
                    argv[2], digest.c_str(), entry == approved.end() ? "nothing" : entry->second.c_str(),
                    module.c_str());
       return 1;

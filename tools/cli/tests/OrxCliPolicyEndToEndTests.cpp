@@ -14,6 +14,7 @@
 #include <ravo-orx/runtime/OrxBuildConstants.h>
 
 #include "runtime/tests/WatAssembler.h"
+#include "tools/cli/tests/OrxCliBuildTree.h"
 #include "tools/cli/tests/OrxCliToolRunner.h"
 
 namespace ravo::orx {
@@ -436,28 +437,11 @@ TEST(RavoOrxPolicy, Bench) {
   });
 }
 
-const fs::path kConstantsHeader = "runtime/constants/include/ravo-orx/runtime/OrxBuildConstants.h";
-
-// The build runs in a scratch tree holding what it reads: the policies, the package check's sources
-// (part of the toolchain digest) and the constants header that marks the repository root.
-struct BuildTree {
-  BuildTree() : scratch("ravo-orx-build-") {
-    fs::copy(kRoot / "policies", root / "policies");
-    fs::create_directories(root / "tools");
-    fs::copy(kRoot / "tools/package_check", root / "tools/package_check", fs::copy_options::recursive);
-    fs::create_directories(root / kConstantsHeader.parent_path());
-    fs::copy(kRoot / kConstantsHeader, root / kConstantsHeader);
-  }
-  Outcome build() const { return run({"policy", "build"}, "", root); }
-  Scratch scratch;
-  fs::path root = scratch.path;
-};
-
 const std::vector<std::string> kBuiltFiles{
     "artifacts/player_authz.wasm",         "artifacts/player_authz.package-check.json",
     "artifacts/sync_correction.wasm",      "artifacts/sync_correction.package-check.json",
     "artifacts/cinema_admission.wasm",     "artifacts/cinema_admission.package-check.json",
-    "artifacts/evidence.json",             "runtime/OrxBuildConstants.cpp"};
+    "artifacts/evidence.json",             "artifacts/OrxBuildConstants.cpp"};
 
 TEST(RavoOrxPolicy, BuildReproducesTheCommittedArtifactsAndConstants) {
   const BuildTree tree;
@@ -507,7 +491,6 @@ TEST(RavoOrxPolicy, BuildWritesNothingWhenACheckFails) {
                                     "ravo-orx policy build: the package check failed; nothing was written\n"))
       << outcome.err;
   EXPECT_FALSE(fs::exists(tree.root / "artifacts"));
-  EXPECT_FALSE(fs::exists(tree.root / "runtime/OrxBuildConstants.cpp"));
 
   const Scratch elsewhere("ravo-orx-elsewhere-");
   expectOutcomes({{{"policy", "build"}, "",

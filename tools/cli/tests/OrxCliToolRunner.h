@@ -52,16 +52,18 @@ inline std::string fileText(const fs::path& path) {
 }
 
 // Runs the built tool as its users do, with standard input, output and error redirected to files.
-// Standard output goes to `output` when one is named, and is then not read back.
+// Standard output goes to `output` when one is named, and is then not read back. A `launcher` (an
+// absolute path and its arguments) runs the tool, e.g. as another user.
 inline Outcome run(Words arguments, const std::string& input, const fs::path& workingDirectory = kRoot,
-                   const fs::path& output = {}) {
+                   const fs::path& output = {}, const Words& launcher = {}) {
   const Scratch scratch("ravo-orx-run-");
   const auto in = scratch.path / "in", err = scratch.path / "err";
   const auto out = output.empty() ? scratch.path / "out" : output;
   std::ofstream(in, std::ios::binary) << input;
   // The tool's path is put in front by building a new list: inserting it at the front makes g++ 12
   // warn falsely (-Warray-bounds) when this is inlined into some callers.
-  Words command{ORX_CLI_TOOL};
+  Words command = launcher;
+  command.push_back(ORX_CLI_TOOL);
   command.insert(command.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
   for (auto& word : command) argv.push_back(word.data());

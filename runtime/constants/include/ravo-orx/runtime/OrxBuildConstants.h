@@ -1,7 +1,7 @@
 #pragma once
 // The provenance this host build was reviewed against. `ravo-orx policy build` generates
-// OrxBuildConstants.cpp together with the artifacts it approves; both are committed together. Built
-// once, on first use, never changed.
+// artifacts/OrxBuildConstants.cpp together with the artifacts it approves, in the same directory; both
+// are committed together. Built once, on first use, never changed.
 
 #include <map>
 #include <string>

@@ -1,14 +1,18 @@
 #pragma once
-// The text of runtime/OrxBuildConstants.cpp: the provenance a host build approves, generated from the
-// artifacts `ravo-orx policy build` has just checked, so that the next build of the project approves
-// exactly those.
+// The text of the build constants source: the provenance a host build approves, generated from the
+// artifacts `ravo-orx policy build` has just checked and written beside them, so that the next build of
+// the project approves exactly those.
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <ravo-orx/package_check/OrxToolchainIdentity.h>
 
 namespace ravo::orx {
+
+// Its name in the artifacts directory, from which the project compiles it.
+inline constexpr std::string_view kOrxBuildConstantsFile = "OrxBuildConstants.cpp";
 
 struct OrxModuleDigests {
   std::string module;
