@@ -11,6 +11,7 @@
 #include <memory>
 
 #include <ravo-orx/engine/OrxExecutionBound.h>
+#include <ravo-orx/engine/OrxQuotedText.h>
 #include <ravo-orx/engine/WabtModuleReader.h>
 #include <ravo-orx/engine/WabtReadOptions.h>
 
@@ -218,7 +219,7 @@ std::optional<std::string> meterModule(const std::uint8_t* bytes, std::size_t si
   for (const Export* export_ : module.exports) {
     if (export_->name == kOrxFuelExport || export_->name == kOrxStackExport || export_->name == kOrxStartExport ||
         (keepPeakStack && export_->name == kOrxPeakStackExport)) {
-      return "CompileError: the export name " + export_->name + " is reserved by the host";
+      return "CompileError: the export name " + orxQuotedText(export_->name) + " is reserved by the host";
     }
   }
 

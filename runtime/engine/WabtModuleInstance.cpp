@@ -28,6 +28,7 @@
 #include <ravo-orx/engine/OrxModuleInstance.h>
 #include <ravo-orx/engine/OrxExecutionBound.h>
 #include <ravo-orx/engine/OrxFuelMetering.h>
+#include <ravo-orx/engine/OrxQuotedText.h>
 #include <ravo-orx/engine/ScriptNumberConversion.h>
 #include <ravo-orx/engine/WabtModuleReader.h>
 
@@ -121,7 +122,7 @@ class WabtModuleInstance final : public OrxMeasuredModuleInstance {
     for (const auto& import : desc.imports) {
       const auto& type = import.type;
       if (type.module != "output" || type.name != "emit" || type.type->kind != ExternKind::Func) {
-        return "LinkError: import " + type.module + "." + type.name +
+        return "LinkError: import " + orxQuotedText(type.module) + "." + orxQuotedText(type.name) +
                " is not provided (only the function output.emit is)";
       }
     }

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <ravo-orx/loader/OrxModuleLoader.h>
 #include "runtime/tests/ModuleBytes.h"
 #include "runtime/tests/ModuleLoadError.h"
@@ -71,6 +73,64 @@ TEST(OrxModuleHost, WritesNothingToStandardError) {
     describeExecutionBound(bytes.data(), bytes.size());
   }
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+}
+
+ModuleBytes textBytes(const std::string& text) { return leb(text.size()) + ModuleBytes(text.begin(), text.end()); }
+
+// A module importing `module`.`name` as a function, and exporting one function under each of `exports`.
+ModuleBytes importingAndExporting(const std::string& module, const std::string& name,
+                                  const std::vector<std::string>& exports) {
+  ModuleBytes exportSection = leb(exports.size());
+  for (const auto& exported : exports) exportSection = exportSection + textBytes(exported) + ModuleBytes{0x00, 0x01};
+  return moduleHeader() + section(1, vectorOf(functionType(0, 1), 1)) +
+         section(2, leb(1) + textBytes(module) + textBytes(name) + ModuleBytes{0x00, 0x00}) +
+         section(3, vectorOf({0x00}, 1)) + section(7, exportSection) + section(10, vectorOf(functionBody(0, {0x41, 0x00}), 1));
+}
+
+// Names and messages a refusal quotes from a module are cut to 256 bytes and escaped, whatever their size.
+TEST(OrxModuleHost, QuotesTheModulesOwnBytesShortAndEscaped) {
+  const std::string refused = "Could not instantiate ORX module probe: ";
+  const std::string ellipsis = "\xE2\x80\xA6";
+  std::string colours;
+  while (colours.size() < 3 * 1024 * 1024) colours += "\x1B[31mred\x1B[0m";
+  std::string accents;
+  for (int i = 0; i < 300; ++i) accents += "\xC3\xA9";
+  std::string quotedColours;  // 21 sequences of 12 bytes and the first 4 bytes of the next
+  for (int i = 0; i < 21; ++i) quotedColours += "\\x1B[31mred\\x1B[0m";
+  quotedColours += "\\x1B[31" + ellipsis;
+  std::string quotedAccents;
+  for (int i = 0; i < 128; ++i) quotedAccents += "\xC3\xA9";
+  quotedAccents += ellipsis;
+  struct Case {
+    const char* name;
+    ModuleBytes bytes;
+    std::string expected;  // the refusal, or a part of it when wabt words it
+    bool exact;
+  };
+  const std::vector<Case> cases = {
+      {"a 3 MiB module name of colour sequences", importingAndExporting(colours, "emit", {"decide"}),
+       refused + "LinkError: import " + quotedColours + ".emit is not provided (only the function output.emit is)", true},
+      {"a field name of 300 two-byte characters", importingAndExporting("output", accents, {"decide"}),
+       refused + "LinkError: import output." + quotedAccents + " is not provided (only the function output.emit is)", true},
+      {"a duplicate export named with a terminal title sequence",
+       importingAndExporting("output", "emit", {"\x1B]0;x\x07", "\x1B]0;x\x07"}),
+       "error: duplicate export \"\\x1B]0;x\\x07\"", false},
+  };
+  for (const auto& c : cases) {
+    const std::string error = loadError(c.bytes);
+    if (c.exact) {
+      EXPECT_EQ(error, c.expected) << c.name;
+    } else {
+      EXPECT_NE(error.find(c.expected), std::string::npos) << c.name << ": " << error;
+    }
+    EXPECT_LT(error.size(), 1'024u) << c.name;
+    EXPECT_TRUE(std::none_of(error.begin(), error.end(), [](char byte) { return byte == 0x1B || byte == 0x07; }))
+        << c.name;
+  }
+  const auto bytes = importingAndExporting("output", "emit", {"decide", "\x1B[2J"});
+  const auto interface = describeModuleInterface(bytes.data(), bytes.size());
+  ASSERT_TRUE(interface.has_value());
+  EXPECT_EQ(interface->exports, (std::vector<std::string>{"func decide() -> (i32)", "func \\x1B[2J() -> (i32)"}));
 }
 
 TEST(OrxModuleHost, RefusesModulesOverALoadBudgetNamingTheBudget) {
