@@ -55,7 +55,7 @@ std::optional<std::vector<std::uint8_t>> executedModuleBytes(const std::uint8_t*
   if (readWabtModule(bytes, size, desc, analysis)) return std::nullopt;
   if (analysis.bounded) return std::vector<std::uint8_t>(bytes, bytes + size);
   std::vector<std::uint8_t> metered;
-  if (meterModule(bytes, size, metered)) return std::nullopt;
+  if (meterModule(bytes, size, analysis.sites, metered)) return std::nullopt;
   return metered;
 }
 
