@@ -17,6 +17,7 @@
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
 #include <ravo-orx/runtime/RuntimeError.h>
 #include "runtime/tests/ModuleBytes.h"
+#include "runtime/tests/SanitizerSlowdown.h"
 #include "runtime/tests/WatAssembler.h"
 
 namespace ravo::orx {
@@ -24,18 +25,6 @@ namespace ravo::orx {
 using namespace internal;
 
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr double kSlowdown = 20;  // ceilings below are for plain builds
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr double kSlowdown = 20;
-#else
-constexpr double kSlowdown = 1;
-#endif
-#else
-constexpr double kSlowdown = 1;
-#endif
 
 // A sync module whose decide emits [5301, 2, 1000, $compute(), 0] and returns 2 (seek), with `parts`
 // defining $compute and whatever it needs.
@@ -437,8 +426,8 @@ TEST(OrxHostileModules, EachIsRefusedOrContainedWithinItsCeiling) {
     EXPECT_EQ(failures, row.failures) << row.name;
     const std::string firstLog = logged.empty() ? "" : logged.front();
     EXPECT_EQ(firstLog, row.trap.empty() ? "" : "ORX sync correction trapped; holding: " + row.trap) << row.name;
-    EXPECT_LE(seconds, row.seconds * kSlowdown) << row.name;
-    EXPECT_LE(megabytes, row.megabytes * (kSlowdown > 1 ? 4 : 1)) << row.name;
+    EXPECT_LE(seconds, row.seconds * kSanitizerSlowdown) << row.name;
+    EXPECT_LE(megabytes, row.megabytes * (kSanitizerSlowdown > 1 ? 4 : 1)) << row.name;
   }
 }
 
