@@ -4,6 +4,7 @@
 #include <wabt/binary-reader.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -18,35 +19,68 @@ using wabt::Limits;
 using wabt::Result;
 
 struct FunctionFacts {
+  Index type = 0;
   std::uint64_t cost = 0;  // fuel units of one activation, callees excluded
   std::uint64_t frame = kOrxFrameUnits;
   std::vector<Index> callees;  // one entry per call site, as a function index
 };
 
+struct Signature {
+  std::uint64_t params = 0;
+  std::uint64_t results = 0;
+  bool returnsReference = false;
+};
+
+// A block, loop or if being read, or the function body itself.
+struct Label {
+  std::uint64_t branchArity;  // the values a branch to it keeps: a loop's parameters, else its results
+  std::uint64_t results;
+};
+
+// An unsigned LEB128 of at most 32 bits at `offset`, or nothing when malformed (wabt then says why).
+std::optional<std::uint32_t> leb32(const std::uint8_t* data, std::size_t size, std::size_t offset) {
+  std::uint64_t value = 0;
+  for (int shift = 0; shift < 35 && offset < size; shift += 7) {
+    const std::uint8_t next = data[offset++];
+    value |= static_cast<std::uint64_t>(next & 0x7F) << shift;
+    if ((next & 0x80) == 0) return value > UINT32_MAX ? std::nullopt : std::optional(static_cast<std::uint32_t>(value));
+  }
+  return std::nullopt;
+}
+
 // Collects what the proof needs in one flat pass over the binary. Budgets end the pass; constructs
 // that only rule out a static bound are noted (the first one is the reason to meter).
+//
+// The instruction budget counts what wabt's validation and compilation do per instruction: one, plus
+// each entry of a list the instruction carries (a br_table's targets, a typed select's types), plus
+// each value type it has checked (the parameters and results of a block's type or a callee's, the
+// values a branch keeps, an else's results). A list is counted from the raw bytes before wabt reads it,
+// since wabt allocates for it as it reads.
 class CodeCollector : public wabt::BinaryReaderNop {
  public:
   std::optional<std::string> overBudget;
   std::optional<std::string> unbounded;
-  std::vector<Index> typeParams;
+  std::vector<Signature> types;
   std::vector<FunctionFacts> functions;  // imported functions first, as in the index space
   Index importedFunctions = 0;
   std::vector<Limits> memories;
   std::vector<Limits> tables;
   bool growsMemory = false;
   bool growsTable = false;
+  OrxMeteringSites sites;
 
   // Errors end the pass and are reported by its caller; wabt would otherwise print them on stderr.
   bool OnError(const wabt::Error&) override { return true; }
 
-  Result OnFuncType(Index, Index params, wabt::Type*, Index, wabt::Type*) override {
-    typeParams.push_back(params);
+  Result OnFuncType(Index, Index params, wabt::Type*, Index results, wabt::Type* resultTypes) override {
+    const bool returnsReference =
+        std::any_of(resultTypes, resultTypes + results, [](wabt::Type type) { return type.IsRef(); });
+    types.push_back({params, results, returnsReference});
     return Result::Ok;
   }
-  Result OnImportFunc(Index, std::string_view, std::string_view, Index, Index) override {
+  Result OnImportFunc(Index, std::string_view, std::string_view, Index, Index type) override {
     ++importedFunctions;
-    functions.emplace_back();
+    functions.emplace_back().type = type;
     return Result::Ok;
   }
   Result OnImportTable(Index, std::string_view, std::string_view, Index, wabt::Type, const Limits* limits) override {
@@ -59,7 +93,9 @@ class CodeCollector : public wabt::BinaryReaderNop {
   }
   Result OnFunction(Index, Index type) override {
     FunctionFacts& facts = functions.emplace_back();
-    if (type < typeParams.size()) facts.frame += typeParams[type];
+    facts.type = type;
+    facts.frame += signature(type).params;
+    ++sites.functions;
     return Result::Ok;
   }
   Result OnTable(Index, wabt::Type, const Limits* limits) override {
@@ -80,7 +116,8 @@ class CodeCollector : public wabt::BinaryReaderNop {
   Result BeginFunctionBody(Index index, wabt::Offset) override {
     if (index < importedFunctions || index >= functions.size()) return Result::Error;  // wabt says why
     current_ = &functions[index];
-    nesting_ = 0;
+    const std::uint64_t results = signature(current_->type).results;
+    labels_.assign(1, {results, results});
     return Result::Ok;
   }
   Result EndFunctionBody(Index) override {
@@ -94,27 +131,58 @@ class CodeCollector : public wabt::BinaryReaderNop {
     }
     return Result::Ok;
   }
-  Result OnOpcode(wabt::Opcode) override {
+  Result OnOpcode(wabt::Opcode opcode) override {
     if (!current_) return Result::Ok;  // init expressions outside bodies run once, at instantiation
     ++current_->cost;
-    return within("instructions over all functions", ++instructions_, kOrxMaxInstructions);
+    std::uint64_t units = 1;
+    // The length of the list that follows the opcode; a br_table's default target comes after it.
+    if (opcode == wabt::Opcode::BrTable || opcode == wabt::Opcode::SelectT) {
+      units += leb32(state->data, state->size, state->offset).value_or(0);
+    }
+    return count(units);
   }
-  Result OnBlockExpr(wabt::Type) override { return enterBlock(); }
-  Result OnIfExpr(wabt::Type) override { return enterBlock(); }
-  Result OnTryExpr(wabt::Type) override { return enterBlock(); }
-  Result OnLoopExpr(wabt::Type) override {
+  Result OnBlockExpr(wabt::Type type) override { return enterBlock(type, /*loop=*/false); }
+  Result OnIfExpr(wabt::Type type) override { return enterBlock(type, /*loop=*/false); }
+  Result OnTryExpr(wabt::Type type) override { return enterBlock(type, /*loop=*/false); }
+  Result OnLoopExpr(wabt::Type type) override {
     note("it contains a loop");
-    return enterBlock();
+    ++sites.loops;
+    return enterBlock(type, /*loop=*/true);
   }
+  Result OnElseExpr() override { return count(labels_.empty() ? 0 : labels_.back().results); }
   Result OnEndExpr() override {
-    if (nesting_ > 0) --nesting_;
+    if (!labels_.empty()) labels_.pop_back();
     return Result::Ok;
   }
+  Result OnBrExpr(Index depth) override { return branch(depth); }
+  Result OnBrIfExpr(Index depth) override { return branch(depth); }
+  Result OnBrTableExpr(Index targets, Index* depths, Index defaultDepth) override {
+    ++sites.branches;
+    std::uint64_t kept = keptBy(defaultDepth);
+    for (Index i = 0; i < targets; ++i) kept += keptBy(depths[i]);
+    return count(kept);
+  }
+  Result OnReturnExpr() override { return count(labels_.empty() ? 0 : labels_.front().results); }
   Result OnCallExpr(Index function) override {
-    if (current_) current_->callees.push_back(function);
-    return Result::Ok;
+    if (!current_) return Result::Ok;
+    current_->callees.push_back(function);
+    const Signature callee = signature(function < functions.size() ? functions[function].type : 0);
+    if (function >= importedFunctions) {
+      ++sites.calls;
+    } else if (callee.returnsReference) {
+      pushesReference();
+    }
+    return count(callee.params + callee.results);
   }
-  Result OnCallIndirectExpr(Index, Index) override { return note("it contains an indirect call"); }
+  Result OnCallIndirectExpr(Index type, Index) override {
+    ++sites.calls;
+    note("it contains an indirect call");
+    return count(signature(type).params + signature(type).results);
+  }
+  // Metering turns these into reads of globals.
+  Result OnRefNullExpr(wabt::Type) override { return noteReference(); }
+  Result OnRefFuncExpr(Index) override { return noteReference(); }
+  Result OnTableGetExpr(Index) override { return pushesReference(); }
   Result OnMemoryGrowExpr(Index) override {
     growsMemory = true;
     return Result::Ok;
@@ -123,15 +191,57 @@ class CodeCollector : public wabt::BinaryReaderNop {
     growsTable = true;
     return Result::Ok;
   }
-  Result OnMemoryFillExpr(Index) override { return note("it moves memory in bulk"); }
-  Result OnMemoryCopyExpr(Index, Index) override { return note("it moves memory in bulk"); }
-  Result OnMemoryInitExpr(Index, Index) override { return note("it moves memory in bulk"); }
-  Result OnTableFillExpr(Index) override { return note("it moves table elements in bulk"); }
-  Result OnTableCopyExpr(Index, Index) override { return note("it moves table elements in bulk"); }
-  Result OnTableInitExpr(Index, Index) override { return note("it moves table elements in bulk"); }
+  Result OnMemoryFillExpr(Index) override { return bulk("it moves memory in bulk"); }
+  Result OnMemoryCopyExpr(Index, Index) override { return bulk("it moves memory in bulk"); }
+  Result OnMemoryInitExpr(Index, Index) override { return bulk("it moves memory in bulk"); }
+  Result OnTableFillExpr(Index) override { return bulk("it moves table elements in bulk"); }
+  Result OnTableCopyExpr(Index, Index) override { return bulk("it moves table elements in bulk"); }
+  Result OnTableInitExpr(Index, Index) override { return bulk("it moves table elements in bulk"); }
 
  private:
-  Result enterBlock() { return within("block nesting", ++nesting_, kOrxMaxBlockNesting); }
+  Signature signature(Index type) const { return type < types.size() ? types[type] : Signature{}; }
+
+  Result enterBlock(wabt::Type type, bool loop) {
+    Signature block;
+    if (type.IsIndex()) {
+      block = signature(type.GetIndex());
+    } else if (type != wabt::Type::Void) {
+      block.results = 1;
+    }
+    labels_.push_back({loop ? block.params : block.results, block.results});
+    if (wabt::Failed(within("block nesting", labels_.size() - 1, kOrxMaxBlockNesting))) return Result::Error;
+    return count(block.params + block.results);
+  }
+
+  // What a branch to the label `depth` levels out keeps; wabt checks each of those values.
+  std::uint64_t keptBy(Index depth) const {
+    return depth < labels_.size() ? labels_[labels_.size() - 1 - depth].branchArity : 0;
+  }
+
+  Result branch(Index depth) {
+    ++sites.branches;
+    return count(keptBy(depth));
+  }
+
+  Result noteReference() {
+    if (!current_) return Result::Ok;  // an initializer's reference is no instruction's
+    return note("it pushes references");
+  }
+
+  Result pushesReference() {
+    ++sites.referencePushes;
+    return note("it pushes references");
+  }
+
+  Result bulk(const char* reason) {
+    ++sites.bulkOperations;
+    return note(reason);
+  }
+
+  Result count(std::uint64_t units) {
+    instructions_ += units;
+    return within("instructions over all functions", instructions_, kOrxMaxInstructions);
+  }
 
   Result within(const char* budget, std::uint64_t value, std::uint64_t limit) {
     if (value <= limit) return Result::Ok;
@@ -145,7 +255,7 @@ class CodeCollector : public wabt::BinaryReaderNop {
   }
 
   FunctionFacts* current_ = nullptr;
-  std::uint64_t nesting_ = 0;
+  std::vector<Label> labels_;  // the open blocks of the current body, the body itself first
   std::uint64_t instructions_ = 0;
   std::uint64_t elementEntries_ = 0;
 };
@@ -229,6 +339,7 @@ OrxCodeAnalysis analyzeCode(const std::uint8_t* bytes, std::size_t size) {
     analysis.overBudget = std::move(facts.overBudget);
     return analysis;
   }
+  analysis.sites = facts.sites;
   if (facts.unbounded) {
     analysis.meteringReason = *facts.unbounded;
   } else if (auto growth = checkGrowth(facts.memories, facts.growsMemory, kOrxMaxMemoryPages, "memory")) {

@@ -28,6 +28,7 @@
 #include <ravo-orx/engine/OrxModuleInstance.h>
 #include <ravo-orx/engine/OrxExecutionBound.h>
 #include <ravo-orx/engine/OrxFuelMetering.h>
+#include <ravo-orx/engine/OrxQuotedText.h>
 #include <ravo-orx/engine/ScriptNumberConversion.h>
 #include <ravo-orx/engine/WabtModuleReader.h>
 
@@ -64,6 +65,7 @@ class WabtModuleInstance final : public OrxMeasuredModuleInstance {
     if (start) {
       Values none;
       if (wabt::Failed(start->Call(*thread_, none, none, &trap))) return fail(failure, trapText(trap));
+      forgetReferenceRecords();
     }
     if (!hasDecide) {
       failure = {OrxInstantiationFailure::Kind::noDecideExport, {}};
@@ -95,10 +97,13 @@ class WabtModuleInstance final : public OrxMeasuredModuleInstance {
         // keeps failing would grow the store by a trap per decision for the runtime's whole life.
         trap.reset();
         store_.Collect();
-      } else if (decideReturnsBigInt_) {
-        invocation.error = error_.keep(kTypeError);  // ToInt32 of a BigInt throws once the call has returned
       } else {
-        invocation.result = convertResult();
+        forgetReferenceRecords();
+        if (decideReturnsBigInt_) {
+          invocation.error = error_.keep(kTypeError);  // ToInt32 of a BigInt throws once the call has returned
+        } else {
+          invocation.result = convertResult();
+        }
       }
     }
     if (hasEmitted_) invocation.emitted = &emitted_;
@@ -121,14 +126,14 @@ class WabtModuleInstance final : public OrxMeasuredModuleInstance {
     for (const auto& import : desc.imports) {
       const auto& type = import.type;
       if (type.module != "output" || type.name != "emit" || type.type->kind != ExternKind::Func) {
-        return "LinkError: import " + type.module + "." + type.name +
+        return "LinkError: import " + orxQuotedText(type.module) + "." + orxQuotedText(type.name) +
                " is not provided (only the function output.emit is)";
       }
     }
     if (analysis.bounded && !measured_) return std::nullopt;
     metered_ = true;
     std::vector<std::uint8_t> metered;
-    if (auto refusal = meterModule(bytes, size, metered, /*keepPeakStack=*/measured_)) return refusal;
+    if (auto refusal = meterModule(bytes, size, analysis.sites, metered, /*keepPeakStack=*/measured_)) return refusal;
     desc = ModuleDesc{};
     return readValidatedModule(metered.data(), metered.size(), desc);
   }
@@ -145,6 +150,7 @@ class WabtModuleInstance final : public OrxMeasuredModuleInstance {
       if (metered_) {
         if (exports[i].name == kOrxFuelExport) fuel_ = store_.UnsafeGet<Global>(ref);
         if (exports[i].name == kOrxStackExport) stack_ = store_.UnsafeGet<Global>(ref);
+        if (exports[i].name == kOrxReferencesExport) references_ = store_.UnsafeGet<Global>(ref);
         if (measured_ && exports[i].name == kOrxPeakStackExport) peakStack_ = store_.UnsafeGet<Global>(ref);
         if (exports[i].name == kOrxStartExport) start = store_.UnsafeGet<Func>(ref);
       }
@@ -156,6 +162,8 @@ class WabtModuleInstance final : public OrxMeasuredModuleInstance {
       const auto& results = decide_->type().results;
       decideReturnsV128_ = std::find(results.begin(), results.end(), Type::V128) != results.end();
       decideReturnsBigInt_ = results.size() == 1 && results[0] == Type::I64;
+      const auto& params = decide_->type().params;
+      decideTakesReferences_ = std::any_of(params.begin(), params.end(), [](Type type) { return type.IsRef(); });
     }
     return {hasDecide, std::move(start)};
   }
@@ -164,6 +172,17 @@ class WabtModuleInstance final : public OrxMeasuredModuleInstance {
     if (fuel_) fuel_->UnsafeSet(Value::Make(u64{kOrxFuelPerCall}));
     if (stack_) stack_->UnsafeSet(Value::Make(u32{0}));
     if (peakStack_) peakStack_->UnsafeSet(Value::Make(u32{0}));
+    if (references_) references_->UnsafeSet(Value::Make(u64{0}));
+  }
+
+  // The interpreter thread records where each reference it pushes sits on its value stack (one record
+  // per reference argument too) and forgets a record only when a later pop finds it above the stack,
+  // so a thread that has run calls with references keeps their records, unbounded. After a call that
+  // may have left any, the next runs on a fresh thread (a few hundred nanoseconds); the rest reuse it.
+  void forgetReferenceRecords() {
+    if (decideTakesReferences_ || (references_ && references_->Get().Get<u64>() > 0)) {
+      thread_ = std::make_unique<Thread>(store_);
+    }
   }
 
   // The trap's text as a script sees it; a metered module's budget traps are told apart from its own
@@ -258,11 +277,13 @@ class WabtModuleInstance final : public OrxMeasuredModuleInstance {
   // the BigInt it sees for a single i64 result throws.
   bool decideReturnsV128_ = false;
   bool decideReturnsBigInt_ = false;
+  bool decideTakesReferences_ = false;  // the host then pushes a reference per such parameter
   bool measured_;         // metered whatever the module, keeping the peak stack too
   bool metered_ = false;  // runs the host's metered rewrite, not the bytes as given
   Global::Ptr fuel_;      // the budgets of a metered module; null when it runs unmetered
   Global::Ptr stack_;
   Global::Ptr peakStack_;  // a measured instance's only
+  Global::Ptr references_;  // a metered module's that pushes references
   std::unique_ptr<Thread> thread_;
   Values params_;   // reused across calls: no allocation per decision
   Values results_;

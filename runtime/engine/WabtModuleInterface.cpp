@@ -2,6 +2,7 @@
 
 #include <ravo-orx/engine/OrxModuleInstance.h>
 #include <ravo-orx/engine/OrxFuelMetering.h>
+#include <ravo-orx/engine/OrxQuotedText.h>
 #include <ravo-orx/engine/WabtModuleReader.h>
 
 namespace ravo::orx::internal {
@@ -19,10 +20,12 @@ std::string typeList(const wabt::TypeVector& types) {
   return text + ")";
 }
 
+// `name` is the module's own: quoted, since the descriptions are printed and compared as text.
 std::string describe(const std::string& name, const ExternType& type) {
-  if (type.kind != ExternKind::Func) return std::string(wabt::GetKindName(type.kind)) + " " + name;
+  const std::string quoted = orxQuotedText(name);
+  if (type.kind != ExternKind::Func) return std::string(wabt::GetKindName(type.kind)) + " " + quoted;
   const auto& function = *wabt::cast<FuncType>(&type);
-  return "func " + name + typeList(function.params) + " -> " + typeList(function.results);
+  return "func " + quoted + typeList(function.params) + " -> " + typeList(function.results);
 }
 
 }  // namespace
@@ -52,7 +55,7 @@ std::optional<std::vector<std::uint8_t>> executedModuleBytes(const std::uint8_t*
   if (readWabtModule(bytes, size, desc, analysis)) return std::nullopt;
   if (analysis.bounded) return std::vector<std::uint8_t>(bytes, bytes + size);
   std::vector<std::uint8_t> metered;
-  if (meterModule(bytes, size, metered)) return std::nullopt;
+  if (meterModule(bytes, size, analysis.sites, metered)) return std::nullopt;
   return metered;
 }
 

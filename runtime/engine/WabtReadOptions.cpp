@@ -2,6 +2,8 @@
 
 #include <wabt/error-formatter.h>
 
+#include <ravo-orx/engine/OrxQuotedText.h>
+
 namespace ravo::orx::internal {
 
 wabt::ReadBinaryOptions wabtReadOptions() {
@@ -10,7 +12,9 @@ wabt::ReadBinaryOptions wabtReadOptions() {
 }
 
 std::string wabtCompileError(const wabt::Errors& errors) {
-  std::string text = wabt::FormatErrorsToString(errors, wabt::Location::Type::Binary);
+  wabt::Errors quoted = errors;  // wabt quotes the module's names as they are
+  for (auto& error : quoted) error.message = orxQuotedText(error.message);
+  std::string text = wabt::FormatErrorsToString(quoted, wabt::Location::Type::Binary);
   while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
   return "CompileError: " + text;
 }

@@ -7,12 +7,14 @@
 #include "metered_bulk.h"
 #include "metered_loop.h"
 #include "metered_recursion.h"
+#include "metered_references.h"
 #include "unmetered_loop.h"
 #include <ravo-orx/engine/PrecompiledModule.h>
 
 #include "metered_bulk_budgets.h"
 #include "metered_loop_budgets.h"
 #include "metered_recursion_budgets.h"
+#include "metered_references_budgets.h"
 
 namespace ravo::orx {
 
@@ -34,6 +36,9 @@ using Recursion =
                       Z_metered_recursionZ_decide, metered_recursion_budgets>;
 using Bulk = PrecompiledModule<Z_metered_bulk_instance_t, Z_metered_bulk_instantiate, Z_metered_bulk_free,
                                Z_metered_bulkZ_decide, metered_bulk_budgets>;
+using References =
+    PrecompiledModule<Z_metered_references_instance_t, Z_metered_references_instantiate, Z_metered_references_free,
+                      Z_metered_referencesZ_decide, metered_references_budgets>;
 using UnmeteredLoop = PrecompiledModule<Z_unmetered_loop_instance_t, Z_unmetered_loop_instantiate,
                                         Z_unmetered_loop_free, Z_unmetered_loopZ_decide>;
 
@@ -45,6 +50,7 @@ PrecompiledTestModule precompiledTestModule(std::string_view name) {
     Z_metered_loop_init_module();
     Z_metered_recursion_init_module();
     Z_metered_bulk_init_module();
+    Z_metered_references_init_module();
     Z_unmetered_loop_init_module();
     return true;
   }();
@@ -52,6 +58,7 @@ PrecompiledTestModule precompiledTestModule(std::string_view name) {
   if (name == "metered_loop") return bind<Loop>();
   if (name == "metered_recursion") return bind<Recursion>();
   if (name == "metered_bulk") return bind<Bulk>();
+  if (name == "metered_references") return bind<References>();
   if (name == "unmetered_loop") return bind<UnmeteredLoop>();
   throw std::invalid_argument("no metered test module " + std::string(name));
 }

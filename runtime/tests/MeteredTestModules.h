@@ -16,7 +16,7 @@ struct PrecompiledTestModule {
   std::optional<std::string> startError;
 };
 
-// "metered_loop", "metered_recursion" or "metered_bulk"; "unmetered_loop" is metered_loop translated
+// "metered_loop", "metered_recursion", "metered_bulk" or "metered_references"; "unmetered_loop" is metered_loop translated
 // as it is, without fuel, for the benchmarks.
 PrecompiledTestModule precompiledTestModule(std::string_view name);
 

@@ -17,6 +17,7 @@
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
 #include <ravo-orx/runtime/RuntimeError.h>
 #include "runtime/tests/ModuleBytes.h"
+#include "runtime/tests/SanitizerSlowdown.h"
 #include "runtime/tests/WatAssembler.h"
 
 namespace ravo::orx {
@@ -24,18 +25,6 @@ namespace ravo::orx {
 using namespace internal;
 
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr double kSlowdown = 20;  // ceilings below are for plain builds
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr double kSlowdown = 20;
-#else
-constexpr double kSlowdown = 1;
-#endif
-#else
-constexpr double kSlowdown = 1;
-#endif
 
 // A sync module whose decide emits [5301, 2, 1000, $compute(), 0] and returns 2 (seek), with `parts`
 // defining $compute and whatever it needs.
@@ -49,6 +38,30 @@ ModuleBytes seeking(const std::string& parts) {
 }
 
 OrxSyncDecision seek(std::int32_t correction) { return {OrxSyncAction::seek, 1000, correction, 0}; }
+
+std::string times(int count, const std::string& text) {
+  std::string out;
+  out.reserve(text.size() * count);
+  for (int i = 0; i < count; ++i) out += text;
+  return out;
+}
+
+// A loop that drops a value and keeps one through a br_table, forever.
+constexpr const char* kBrTableLoop =
+    "(loop $l (block $b (result i32) (i32.const 1) (i32.const 1) (i32.const 0) (br_table $b $b)) drop (br $l))";
+
+// A function $many returning 1,000 values: 1,000 values on the stack for one call instruction.
+const std::string kMany = "(func $many (result" + times(1'000, " i32") + ") " + times(1'000, "(i32.const 0)") + ")";
+
+// `count` calls of a function $nothing, in a loop that has the module metered.
+ModuleBytes callSites(std::uint64_t count) {
+  const ModuleBytes types = leb(2) + functionType(0, 1) + functionType(0, 0);
+  const std::string decide = "decide";
+  return moduleHeader() + section(1, types) + section(3, leb(2) + ModuleBytes{0x00, 0x01}) +
+         section(7, leb(1) + leb(decide.size()) + ModuleBytes(decide.begin(), decide.end()) + ModuleBytes{0x00, 0x00}) +
+         section(10, leb(2) + functionBody(0, ModuleBytes{0x03, 0x40, 0x0B} + repeated({0x10, 0x01}, count) + ModuleBytes{0x41, 0x00}) +
+                         functionBody(0, {}));
+}
 
 std::uint64_t statusKilobytes(const char* field) {
   std::ifstream status("/proc/self/status");
@@ -290,6 +303,86 @@ TEST(OrxHostileModules, EachIsRefusedOrContainedWithinItsCeiling) {
                (i64.const 0))))wat");
        },
        "", hold, 2, "TypeError: an argument or result has a type that cannot cross the boundary", 0.5, 64},
+      // The interpreter records every reference pushed; metering turns ref.null into a global's read,
+      // which it does not record. Before, each br_table walked the records: up to 0.9 s a decision.
+      {"124,000 null references pushed and dropped, then a br_table loop (372 KB)",
+       [] { return seeking("(func $compute (result i32) " + times(124'000, "ref.null extern drop ") + kBrTableLoop + " (i32.const 0))"); },
+       "", hold, 2, exhausted, 1, 100},
+      {"108,000 null references pushed above 16,000 values, then a br_table loop",
+       [] {
+         return seeking(kMany + "(func $compute (result i32) " + times(16, "(call $many)") +
+                        times(108'000, "ref.null extern drop ") + times(16'000, "drop ") + kBrTableLoop + " (i32.const 0))");
+       },
+       "", hold, 2, exhausted, 1, 100},
+      // References read from a table are recorded; each branch is charged the references read so far.
+      {"40,000 references read from a table above 20,000 values, then a br_table loop",
+       [] {
+         return seeking(kMany + "(table 1 externref) (func $compute (result i32) (local $n i32) " + times(20, "(call $many)") +
+                        R"wat((loop $read (drop (table.get 0 (i32.const 0)))
+                                (local.set $n (i32.add (local.get $n) (i32.const 1)))
+                                (br_if $read (i32.lt_u (local.get $n) (i32.const 40000)))))wat" +
+                        times(20'000, "drop ") + kBrTableLoop + " (i32.const 0))");
+       },
+       "", hold, 2, exhausted, 0.5, 64},
+      // The host pushes a reference per parameter; the thread that recorded them is replaced after the call.
+      {"a decide of 1,000 externref parameters (never emits)",
+       [] { return assembleWat("(module (func (export \"decide\") (param" + times(1'000, " externref") + ") (result i32) (i32.const 0)))"); },
+       "", hold, 2, "", 0.25, 64},
+      // A branch moves the values it keeps: before it was charged for them, 95 ms a decision.
+      {"a loop whose branch keeps 1,000 values",
+       [] {
+         const std::string i32s = times(1'000, " i32");
+         return seeking("(func $compute (result i32) " + times(1'000, "(i32.const 0)") + "(loop (param" + i32s + ") (result" +
+                        i32s + ") (i32.const 7) (br_if 0 (i32.const 1)) drop)" + times(1'000, "drop ") + "(i32.const 0))");
+       },
+       "", hold, 2, exhausted, 0.5, 64},
+      {"4,000,000 br_table targets (4 MB)",
+       [] {
+         return moduleOfFunctions(vectorOf(functionType(0, 1), 1), 1,
+                                  functionBody(0, ModuleBytes{0x02, 0x40, 0x41, 0x00, 0x0E} + leb(4'000'000) +
+                                                      ModuleBytes(4'000'001, 0x00) + ModuleBytes{0x0B, 0x41, 0x00}));
+       },
+       budget + "instructions over all functions 4000003 (budget 250000)", hold, 0, "", 0.25, 64},
+      // Each value type wabt checks counts: before, 3.8 s, 9.3 s and 1.7 s to load. Assembled byte by
+      // byte, since wat2wasm itself takes seconds to check them.
+      {"62,000 blocks of a type of 1,000 parameters and results (437 KB)",
+       [] {
+         const ModuleBytes types = leb(2) + functionType(0, 1) + functionType(1'000, 1'000);
+         return moduleOfFunctions(types, 1,
+                                  functionBody(0, repeated({0x41, 0x00}, 1'000) +
+                                                      repeated({0x02, 0x01, 0x41, 0x07, 0x0C, 0x00, 0x0B}, 62'000) +
+                                                      repeated({0x1A}, 1'000) + ModuleBytes{0x41, 0x00}));
+       },
+       budget + "instructions over all functions 250331 (budget 250000)", hold, 0, "", 0.25, 64},
+      {"100,000 calls of a function of 1,000 parameters and results (208 KB)",
+       [] {
+         ModuleBytes gets;
+         for (std::uint64_t i = 0; i < 1'000; ++i) gets = gets + ModuleBytes{0x20} + leb(i);
+         const ModuleBytes types = leb(2) + functionType(0, 1) + functionType(1'000, 1'000);
+         const std::string decide = "decide";
+         return moduleHeader() + section(1, types) + section(3, leb(2) + ModuleBytes{0x01, 0x00}) +
+                section(7, leb(1) + leb(decide.size()) + ModuleBytes(decide.begin(), decide.end()) + ModuleBytes{0x00, 0x01}) +
+                section(10, leb(2) + functionBody(0, gets) +
+                                functionBody(0, repeated({0x41, 0x00}, 1'000) + repeated({0x10, 0x00}, 100'000) +
+                                                    repeated({0x1A}, 1'000) + ModuleBytes{0x41, 0x00}));
+       },
+       budget + "instructions over all functions 250125 (budget 250000)", hold, 0, "", 0.25, 64},
+      {"200,000 branches keeping 1,000 values (404 KB)",
+       [] {
+         const ModuleBytes types = leb(2) + functionType(0, 1) + functionType(0, 1'000);
+         return moduleOfFunctions(types, 1,
+                                  functionBody(0, ModuleBytes{0x02, 0x01} + repeated({0x41, 0x00}, 1'000) +
+                                                      repeated({0x0C, 0x00}, 200'000) + ModuleBytes{0x0B} +
+                                                      repeated({0x1A}, 1'000) + ModuleBytes{0x41, 0x00}));
+       },
+       budget + "instructions over all functions 250249 (budget 250000)", hold, 0, "", 0.25, 64},
+      // Metering adds 14 instructions around a call site and 10 at each entry and loop: 30 + 14 x 17,855.
+      {"250,000 call sites in a metered module (500 KB)", [] { return callSites(249'990); },
+       budget + "instructions added by metering 3499890 (budget 250000)", hold, 0, "", 0.25, 64},
+      {"17,855 call sites, the most metering may add to (decide never emits)", [] { return callSites(17'855); },
+       "", hold, 2, "", 1, 100},
+      {"17,856 call sites", [] { return callSites(17'856); },
+       budget + "instructions added by metering 250014 (budget 250000)", hold, 0, "", 0.25, 64},
       {"a loop that runs out of fuel once, then decides normally",
        [&] {
          return seeking(R"wat((global $calls (mut i32) (i32.const 0))
@@ -333,8 +426,8 @@ TEST(OrxHostileModules, EachIsRefusedOrContainedWithinItsCeiling) {
     EXPECT_EQ(failures, row.failures) << row.name;
     const std::string firstLog = logged.empty() ? "" : logged.front();
     EXPECT_EQ(firstLog, row.trap.empty() ? "" : "ORX sync correction trapped; holding: " + row.trap) << row.name;
-    EXPECT_LE(seconds, row.seconds * kSlowdown) << row.name;
-    EXPECT_LE(megabytes, row.megabytes * (kSlowdown > 1 ? 4 : 1)) << row.name;
+    EXPECT_LE(seconds, row.seconds * kSanitizerSlowdown) << row.name;
+    EXPECT_LE(megabytes, row.megabytes * (kSanitizerSlowdown > 1 ? 4 : 1)) << row.name;
   }
 }
 

@@ -97,9 +97,13 @@ TEST(OrxPrecompiledTier, AgreesWithTheInterpreterOnMeteredModules) {
       {"metered_bulk", {400'000, 400'000, 0}, std::nullopt},
       {"metered_bulk", {0, 0, 1'048'570}, "RuntimeError: out of bounds memory access"},
       {"metered_bulk", {3, 3, 3}, std::nullopt},
+      {"metered_references", {700}, std::nullopt},
+      {"metered_references", {700}, std::nullopt},  // each call counts its own references from 0
+      {"metered_references", {1'000}, exhausted},
+      {"metered_references", {700}, std::nullopt},
   };
   std::map<std::string, std::pair<std::unique_ptr<OrxModuleInstance>, std::unique_ptr<LoadedModule>>> tiers;
-  for (const char* name : {"metered_loop", "metered_recursion", "metered_bulk"}) {
+  for (const char* name : {"metered_loop", "metered_recursion", "metered_bulk", "metered_references"}) {
     auto native = precompiledTestModule(name);
     ASSERT_EQ(native.startError, std::nullopt) << name;
     const auto source = readTestFile(std::filesystem::path(ORX_METERED_TEST_MODULES) / name += ".wasm");

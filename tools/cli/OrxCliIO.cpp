@@ -10,6 +10,8 @@
 
 #include <sys/stat.h>
 
+#include <ravo-orx/engine/OrxQuotedText.h>
+
 namespace ravo::orx {
 
 namespace {
@@ -101,8 +103,9 @@ std::string orxCliReadDocument(OrxCliArguments& arguments) {
 }
 
 void orxCliWarn(std::string_view program, std::string_view text) {
+  const std::string quoted = internal::orxQuotedText(text, std::string::npos);  // may quote a module's bytes
   std::fprintf(stderr, "%.*s: warning: %.*s\n", static_cast<int>(program.size()), program.data(),
-               static_cast<int>(text.size()), text.data());
+               static_cast<int>(quoted.size()), quoted.data());
 }
 
 void orxCliPrint(std::string_view text) {

@@ -414,6 +414,34 @@ TEST(RavoOrxPolicy, Check) {
   });
 }
 
+// A module's names reach the terminal cut short and with their control bytes escaped, and so does any
+// other error line (here a file name).
+TEST(RavoOrxPolicy, ErrorsAndDescriptionsEscapeWhatAModuleOrFileNames) {
+  const Scratch scratch("ravo-orx-escapes-");
+  const auto write = [&](const std::string& name, const std::string& wat) {
+    const auto bytes = assembleWat(wat);
+    writeFile(scratch.path / name, std::string(bytes.begin(), bytes.end()));
+    return (scratch.path / name).string();
+  };
+  const std::string colours = write("colours.wasm", R"wat((module (import "\1b[31mred" "emit" (func))
+      (func (export "decide") (result i32) (i32.const 0))))wat");
+  const std::string exports = write("exports.wasm", R"wat((module (import "output" "emit" (func (param i32)))
+      (func (export "decide") (result i32) (i32.const 0)) (func (export "\1b[2J") (result i32) (i32.const 0))))wat");
+  const std::string garbage = (scratch.path / "bad\x1B[31m.wasm").string();
+  writeFile(garbage, "hello");
+
+  EXPECT_EQ(run({"policy", "check", colours}, ""),
+            refused("policy check", "Could not instantiate ORX module colours: LinkError: import \\x1B[31mred.emit is "
+                                    "not provided (only the function output.emit is)"));
+  const auto described = run({"policy", "check", exports}, "");
+  EXPECT_NE(described.out.find("\nexports    func decide() -> (i32); func \\x1B[2J() -> (i32)\n"), std::string::npos)
+      << described;
+  EXPECT_EQ(described.out.find('\x1B'), std::string::npos) << described;
+  EXPECT_EQ(run({"policy", "check", garbage}, ""),
+            refused("policy check", "Could not instantiate ORX module bad\\x1B[31m: CompileError: 0000004: error: bad "
+                                    "magic value"));
+}
+
 TEST(RavoOrxPolicy, Bench) {
   const Modules modules;
   const auto timed = run(with({"policy", "bench", "--runs", "3", "--decisions=200", "artifacts/sync_correction.wasm",

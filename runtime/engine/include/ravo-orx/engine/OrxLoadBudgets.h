@@ -32,10 +32,16 @@ inline constexpr std::uint64_t kOrxMaxElementSegments = 1'000;
 inline constexpr std::uint64_t kOrxMaxLocalsPerFunction = 2'000;
 inline constexpr std::uint64_t kOrxMaxMemoryPages = 256;  // 16 MiB: the initial size, and growth's cap
 // Checked while the code is read (OrxExecutionBound.h): wabt's IR, which metering rewrites, holds
-// every instruction as an object and nested blocks as nested lists.
+// every instruction as an object and nested blocks as nested lists, and its validation checks every
+// value type an instruction names. An instruction counts one, plus each br_table target and typed
+// select type, plus each value type checked for it (the parameters and results of its block type or
+// callee, the values a branch keeps).
 inline constexpr std::uint64_t kOrxMaxInstructions = 250'000;  // over all function bodies
 inline constexpr std::uint64_t kOrxMaxElementSegmentEntries = 10'000;  // over all element segments
 inline constexpr std::uint64_t kOrxMaxBlockNesting = 1'024;
+// Checked before metering rewrites a module (OrxFuelMetering.h), from the sites the code analysis
+// counted: the code the rewrite adds is held in wabt's IR like the module's own.
+inline constexpr std::uint64_t kOrxMaxMeteringInstructions = 250'000;
 
 // "load budget exceeded: <budget> <value> (budget <limit>)", or nothing when the bytes fit every budget.
 std::optional<std::string> checkLoadBudgets(const std::uint8_t* bytes, std::size_t size);

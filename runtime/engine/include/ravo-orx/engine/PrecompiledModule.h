@@ -41,14 +41,16 @@ inline std::string precompiledTrapText(int code) {
   }
 }
 
-// A statically bounded module has no budgets to set; a metered one exports its fuel and stack globals
-// and possibly its start function (OrxFuelMetering.h), given here as wasm2c's accessors.
+// A statically bounded module has no budgets to set; a metered one exports its fuel and stack globals,
+// possibly its start function and its count of references pushed (OrxFuelMetering.h), given here as
+// wasm2c's accessors.
 struct Unmetered {};
-template <auto Fuel, auto Stack, auto Start = nullptr>
+template <auto Fuel, auto Stack, auto Start = nullptr, auto References = nullptr>
 struct Metered {
   static constexpr auto fuel = Fuel;
   static constexpr auto stack = Stack;
   static constexpr auto start = Start;
+  static constexpr auto references = References;
 };
 
 // The number of 32-bit arguments of a translated `decide`, from its own signature (the instance comes first).
@@ -85,6 +87,7 @@ class PrecompiledModule final : public OrxModuleInstance {
     if constexpr (kMetered) {
       *Budgets::fuel(&instance_) = kOrxFuelPerCall;
       *Budgets::stack(&instance_) = 0;
+      if constexpr (Budgets::references != nullptr) *Budgets::references(&instance_) = 0;
     }
     const auto call = [&] { result = decide(arguments, count, std::make_index_sequence<Arity>{}); };
     if (const int trap = orxRunTrapGuarded(call)) {

@@ -13,7 +13,7 @@ namespace ravo::orx::internal {
 // malformed.
 wabt::ReadBinaryOptions wabtReadOptions();
 
-// wabt's errors as one refusal text, "CompileError: …".
+// wabt's errors as one refusal text, "CompileError: …", quoted as OrxQuotedText.h says.
 std::string wabtCompileError(const wabt::Errors& errors);
 
 }  // namespace ravo::orx::internal
