@@ -51,7 +51,8 @@ std::optional<std::string> contractProblem(const OrxModuleInterface& interface, 
 // Runs the manifest's cases as `policy test` does; one FAIL line each on standard output.
 int checkCases(const OrxCliPolicyModule& module, const OrxPolicyManifest& manifest) {
   std::size_t failed = 0;
-  for (const auto& result : runPolicyCases(module.bytes, manifest, *orxDecisionKindOfModule(manifest.module))) {
+  OrxPolicyRunFuel fuel;
+  for (const auto& result : runPolicyCases(module.bytes, manifest, *orxDecisionKindOfModule(manifest.module), fuel)) {
     if (result.emits > 1) {
       orxCliPrint("WARN \"" + result.policyCase->name + "\": emitted " + std::to_string(result.emits) +
                   " times in one call; only the last emission counts");

@@ -78,9 +78,10 @@ bool selected(const Options& options, const std::string& module, const std::stri
   return !options.run || std::regex_search(module + "/" + name, *options.run);
 }
 
-// Runs the selected cases of one manifest; prints its coverage when asked (text reports only).
+// Runs the selected cases of one manifest, charging them to the run's fuel; prints its coverage when
+// asked (text reports only).
 OrxCliModuleRun runManifest(const fs::path& file, const Options& options, std::optional<OrxPolicyCompilers>& compilers,
-                            std::vector<std::string>& notes) {
+                            OrxPolicyRunFuel& fuel, std::vector<std::string>& notes) {
   std::string name = file.filename().string();
   if (name.ends_with(kManifestSuffix)) name.resize(name.size() - kManifestSuffix.size());
   OrxPolicyManifest manifest;
@@ -100,7 +101,9 @@ OrxCliModuleRun runManifest(const fs::path& file, const Options& options, std::o
     if (const auto problems = orxManifestContractProblems(manifest, bytes); !problems.empty()) {
       throw std::runtime_error(problems.front());
     }
-    results = runPolicyCases(bytes, chosen, kind);
+    results = runPolicyCases(bytes, chosen, kind, fuel);
+  } catch (const OrxPolicyRunFuelExhausted&) {
+    throw;  // ends the run, not just this module's
   } catch (const std::exception& error) {
     // A module that cannot run fails every selected case, with one reason.
     run.failure = error.what();
@@ -157,8 +160,9 @@ int runTest(OrxCliArguments& arguments) {
   OrxCliTestReport report;
   std::vector<std::string> notes;
   std::optional<OrxPolicyCompilers> compilers;
+  OrxPolicyRunFuel fuel;
   for (const auto& manifest : manifestsIn(paths)) {
-    auto run = runManifest(manifest, options, compilers, notes);
+    auto run = runManifest(manifest, options, compilers, fuel, notes);
     if (!run.cases.empty()) report.modules.push_back(std::move(run));  // --run selected none of its cases
   }
   // Only a filter can select nothing: a manifest without cases is refused.
@@ -184,6 +188,8 @@ constinit const OrxCliCommand kOrxCliPolicyTestCommand{
     "the assembler's whole diagnostic), a WARN line for a case whose call emitted more than once; -v\n"
     "prints a PASS line for every passing case too; --coverage prints, per module, the reason codes no\n"
     "passing case produced. The last line is \"N passed, M failed\".\n"
+    "A manifest holds at most 10000 cases, and the cases of one run use at most 1000000000 fuel units\n"
+    "together (each case's call counted once); a run that needs more stops with exit status 1.\n"
     "--run REGEX runs only the cases whose \"module/case\" the ECMAScript expression matches anywhere.\n"
     "--junit FILE also writes the results as JUnit XML (written whole or not at all); --json prints them\n"
     "as one JSON object instead of the lines above.\n"
