@@ -215,8 +215,10 @@ TEST(RavoOrxPolicy, TestSelectsCasesAndWritesReportsForMachines) {
        printed(R"({"passed":1,"failed":0,"modules":[{"module":"sync_correction","cases":[)"
                R"({"case":"drift at the tolerance holds","status":"pass"}]}]})")},
       {{"policy", "test", "--run", "no such case"}, "", refused("policy test", "no case matches --run \"no such case\"")},
+      {{"policy", "test", "--run", std::string(1001, 'x')}, "",
+       misused("policy test", "--run takes a pattern of at most 1000 bytes, got 1001")},
       {{"policy", "test", "--run", "("}, "",
-       misused("policy test", "--run \"(\" is not a regular expression: Mismatched '(' and ')' in regular expression")},
+       misused("policy test", "--run \"(\" is not a regular expression: U_REGEX_MISMATCHED_PAREN at character 2")},
       // Under a file: no directory can be made there, and nothing is left behind.
       {{"policy", "test", "--junit", (junit / "results.xml").string()}, "",
        refused("policy test", "could not write " + (junit / "results.xml").string() + ": Not a directory")},
@@ -244,6 +246,25 @@ TEST(RavoOrxPolicy, TestSelectsCasesAndWritesReportsForMachines) {
                                  "[5201, 1, 8, 0, 3]\"/>\n    </testcase>\n"),
             std::string::npos)
       << fileText(junit);
+}
+
+// --run searches on a matcher that neither recurses per character nor runs without end: a case name of
+// a megabyte is searched like any other, and a pattern that would backtrack past its limits is refused.
+TEST(RavoOrxPolicy, TestSearchesLongCaseNamesWithinLimits) {
+  const Scratch scratch("ravo-orx-long-name-");
+  fs::copy(kRoot / "policies/player_authz.wat", scratch.path);
+  const fs::path manifest = scratch.path / "player_authz.manifest.json";
+  fs::copy(kRoot / "policies/player_authz.manifest.json", manifest);
+  const std::string name(1 << 20, 'a');
+  replaceIn(manifest, "controller main-screen command is allowed", name);
+  const std::string subject = "\"player_authz/" + name.substr(0, 51) + "\u2026\"";
+  expectOutcomes({
+      {{"policy", "test", "--run", "a$", manifest.string()}, "", printed("1 passed, 0 failed")},
+      {{"policy", "test", "--run", "(a|aa)*c", manifest.string()}, "",
+       misused("policy test", "--run \"(a|aa)*c\" could not be searched for in " + subject + ": U_REGEX_STACK_OVERFLOW")},
+      {{"policy", "test", "--run", "(.*)*x", manifest.string()}, "",
+       misused("policy test", "--run \"(.*)*x\" could not be searched for in " + subject + ": U_REGEX_TIME_OUT")},
+  });
 }
 
 // A record the runtime refuses, explained by its rule; a second emission warned of; fuel and stack told.
