@@ -3,6 +3,7 @@
 #include <optional>
 #include <set>
 
+#include <ravo-orx/core/ORXMessageText.h>
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
 #include <ravo-orx/runtime/OrxEvidence.h>
 #include <ravo-orx/cli/OrxCliCommand.h>
@@ -29,13 +30,15 @@ struct Options {
   std::optional<OrxCliPattern> run;  // selects cases by "module/case"
 };
 
+std::string printable(const fs::path& path) { return ORXMessageText::printable(path.string()); }
+
 // The manifests named: each directory's *.manifest.json in name order, and manifest files as given.
 std::vector<fs::path> manifestsIn(const std::vector<fs::path>& paths) {
   std::vector<fs::path> manifests;
   for (const auto& path : paths) {
     std::error_code error;
     if (!fs::is_directory(path, error)) {
-      if (!fs::exists(path, error)) throw std::runtime_error("no such manifest or directory: " + path.string());
+      if (!fs::exists(path, error)) throw std::runtime_error("no such manifest or directory: " + printable(path));
       manifests.push_back(path);
       continue;
     }
@@ -43,7 +46,7 @@ std::vector<fs::path> manifestsIn(const std::vector<fs::path>& paths) {
     for (const auto& entry : fs::directory_iterator(path)) {
       if (entry.path().filename().string().ends_with(kManifestSuffix)) found.push_back(entry.path());
     }
-    if (found.empty()) throw std::runtime_error("no *.manifest.json in " + path.string());
+    if (found.empty()) throw std::runtime_error("no *.manifest.json in " + printable(path));
     std::sort(found.begin(), found.end());
     manifests.insert(manifests.end(), found.begin(), found.end());
   }
@@ -82,11 +85,12 @@ bool selected(const Options& options, const std::string& module, const std::stri
 // asked (text reports only).
 OrxCliModuleRun runManifest(const fs::path& file, const Options& options, std::optional<OrxPolicyCompilers>& compilers,
                             OrxPolicyRunFuel& fuel, std::vector<std::string>& notes) {
-  std::string name = file.filename().string();
+  std::string name = printable(file.filename());
   if (name.ends_with(kManifestSuffix)) name.resize(name.size() - kManifestSuffix.size());
   OrxPolicyManifest manifest;
   try {
-    manifest = OrxPolicyManifest::decode(readArtifactFile(file), file.string());
+    const auto bytes = OrxBoundedInput(file, kOrxPolicyManifestByteLimit).readAll<std::vector<std::uint8_t>>();
+    manifest = OrxPolicyManifest::decode(bytes, printable(file));
   } catch (const std::exception& error) {
     return {name, error.what(), {{"manifest", error.what(), std::nullopt}}};
   }
@@ -128,7 +132,7 @@ void printText(const OrxCliTestReport& report, const Options& options, const std
       continue;
     }
     for (const auto& outcome : module.cases) {
-      const std::string label = module.module + " \"" + outcome.name + "\"";
+      const std::string label = module.module + " \"" + ORXMessageText::printable(outcome.name) + "\"";
       if (outcome.warning) orxCliPrint("WARN " + label + ": " + *outcome.warning);
       if (!outcome.problem.empty()) orxCliPrint("FAIL " + label + ": " + outcome.problem);
       else if (options.verbose) orxCliPrint("PASS " + label);
@@ -160,7 +164,9 @@ int runTest(OrxCliArguments& arguments) {
     if (!run.cases.empty()) report.modules.push_back(std::move(run));  // --run selected none of its cases
   }
   // Only a filter can select nothing: a manifest without cases is refused.
-  if (report.passed() + report.failed() == 0) throw std::runtime_error("no case matches --run \"" + *pattern + "\"");
+  if (report.passed() + report.failed() == 0) {
+    throw std::runtime_error("no case matches --run \"" + ORXMessageText::printable(*pattern) + "\"");
+  }
   if (junit) writeChangedFiles({{*junit, orxCliTestReportJUnit(report)}});
   if (json) orxCliPrint(orxCliTestReportJSON(report));
   else printText(report, options, notes);

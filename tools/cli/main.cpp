@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include <ravo-orx/core/ORXMessageText.h>
 #include <ravo-orx/runtime/OrxLog.h>
 #include <ravo-orx/cli/OrxCliCommand.h>
 #include <ravo-orx/cli/OrxCliIO.h>
@@ -58,10 +59,11 @@ std::string commandHelp(const OrxCliCommand& command, const std::string& program
   return "usage: " + program + synopsis + "\n\n" + std::string(command.details) + "\n" + std::string(kExitStatuses);
 }
 
-// Error texts are printed as the system wrote them, folded onto one line.
+// Error texts are printed as the system wrote them, folded onto one line, with any other control byte
+// (a carriage return in a file name, a terminal's escape sequence in a document) shown as an escape.
 void printError(std::string text) {
-  for (char& c : text) c = (c == '\n' || c == '\r') ? ' ' : c;
-  text += '\n';
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  text = internal::ORXMessageText::printable(text) + '\n';
   std::fwrite(text.data(), 1, text.size(), stderr);
 }
 

@@ -166,6 +166,14 @@ TEST(RavoOrxPolicy, TestRefusesEveryBreachOfTheManifestSchema) {
        "case " + first + ": the name is given to another case before it"},
       {original.substr(original.find("\"cases\"")), "\"cases\": []\n}\n",
        R"("cases": no cases: a manifest tests its module with at least one)"},
+      {R"("imports": [")", R"("imports": [)" + [] {
+         std::string many;
+         for (int i = 0; i < 100; ++i) many += "\"x\", ";
+         return many;
+       }() + "\"",
+       R"("imports": more than 100 items, the most a list of a manifest holds)"},
+      {firstFacts, R"("facts": [2, 6, 63, 1000, 900000, 0, 600, 1], "emits": {"tag": 5201})",
+       R"("cases"[0]: "emits": expected an array)"},
       {"\n}\n", "\n}\n[]", "malformed JSON"},
       {"\n}\n", std::string("\n}\n\0", 4), "malformed JSON: unexpected NUL byte"},
   };
@@ -371,6 +379,13 @@ TEST(RavoOrxPolicy, Eval) {
 
 TEST(RavoOrxPolicy, Check) {
   const Modules modules;
+  // One byte past the module host's 4 MiB, and past a manifest's 4 MiB: refused unread (sparse files).
+  const fs::path module = modules.scratch.path / "large.wasm", manifest = modules.scratch.path / "large.manifest.json";
+  for (const auto& large : {module, manifest}) {
+    std::ofstream(large).close();
+    fs::resize_file(large, (4u << 20) + 1);
+  }
+  const std::string pastLimit = ": file of 4194305 bytes exceeds the limit of 4194304";
   const std::string authz = "artifacts/player_authz.wasm";
   const std::string description =
       "module     " + authz +
@@ -408,6 +423,9 @@ TEST(RavoOrxPolicy, Check) {
                "Could not instantiate ORX module player_authz.manifest: CompileError: 0000004: error: bad magic value")},
       {{"policy", "check", authz, "/nonexistent.json"}, "",
        refused("policy check", "could not read /nonexistent.json: No such file or directory")},
+      {{"policy", "check", module.string()}, "", refused("policy check", "could not read " + module.string() + pastLimit)},
+      {{"policy", "check", authz, manifest.string()}, "",
+       refused("policy check", "could not read " + manifest.string() + pastLimit)},
   });
 }
 
@@ -429,6 +447,10 @@ TEST(RavoOrxPolicy, Bench) {
   expectOutcomes({
       {with({"policy", "bench", "--runs", "0", modules.trap(), "authz"}, kPlays), "",
        misused("policy bench", "--runs must be an integer from 1 to 101, got \"0\"")},
+      {with({"policy", "bench", modules.trap(), "authz"}, with(kPlays, {"--decisions=0"})), "",
+       misused("policy bench", "--decisions must be an integer from 1 to 100000000, got \"0\"")},
+      {with({"policy", "bench", "--decisions", "-1", modules.trap(), "authz"}, kPlays), "",
+       misused("policy bench", "--decisions must be an integer from 1 to 100000000, got \"-1\"")},
       {with({"policy", "bench", "policies/player_authz.manifest.json", "authz"}, kPlays), "",
        refused("policy bench", "Could not instantiate ORX module player_authz: CompileError: 0000004: error: bad magic value")},
   });
