@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "f8e980764a176149e0c6680e80f2269c6edb89b12285e6b0f741707d60e62ca5";
+  static const std::string value = "69b10f391a9032b2408e500c102c11be5787fbd5105c2a7d990050245cc2dee6";
   return value;
 }
 
