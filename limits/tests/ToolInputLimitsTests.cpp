@@ -23,19 +23,12 @@ namespace {
 
 using namespace orx_cli_test;
 using artifact_test::ArtifactCopy;
+using hostile_inputs::emptyStrings;
 
 struct Ceiling {
   double seconds = 1.0;
   long megabytes = 100;
 };
-
-// ["","",…] with `count` empty strings: three bytes each, the most values a byte buys.
-std::string emptyStrings(std::size_t count) {
-  std::string text = "[";
-  text.reserve(count * 3 + 1);
-  for (std::size_t i = 0; i < count; ++i) text += i ? ",\"\"" : "\"\"";
-  return text + "]";
-}
 
 const std::string kManifest = fileText(kRoot / "policies/player_authz.manifest.json");
 
