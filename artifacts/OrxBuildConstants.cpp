@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "b17dbd4fb8362db95eb0ff6ca5992c94be02e6a57646e828acc8ab3b1fd9c47b";
+  static const std::string value = "593805157040d87234636d3c7fb2f8bdca5e737951981fb1d390cba9fcb553f0";
   return value;
 }
 

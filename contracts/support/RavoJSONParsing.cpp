@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include <ravo-orx/core/ORXMessageText.h>
 #include <ravo-orx/contracts/support/RavoJSON.h>
 #include <ravo-orx/contracts/support/RavoWellFormedJSONReader.h>
 
@@ -26,28 +27,27 @@ constexpr std::size_t kIndexedObjectSize = 16;
 constexpr std::size_t kMaximumErrorBytes = 256;
 
 // nlohmann quotes the whole token it failed in, which for an unterminated string is the rest of the
-// text: the error would echo megabytes of hostile input into logs. Cut at a UTF-8 character boundary.
-std::string shortened(std::string_view message) {
-  if (message.size() <= kMaximumErrorBytes) return std::string(message);
-  std::size_t end = kMaximumErrorBytes;
-  while (end > 0 && (static_cast<unsigned char>(message[end]) & 0xC0) == 0x80) --end;
-  return std::string(message.substr(0, end)) + "\u2026";
-}
+// text: the error would echo megabytes of hostile input into logs.
+std::string shortened(std::string_view message) { return ORXMessageText::excerpt(message, kMaximumErrorBytes); }
 
 // The SAX handler that nlohmann's parser drives. A repeated key keeps its first position and takes
-// its last value, as nlohmann's own builder does.
+// its last value, as nlohmann's own builder does. With a filter it also keeps the path to the value
+// being read (only then: the plain reader pays nothing for it).
 class DocumentBuilder {
  public:
+  explicit DocumentBuilder(const RavoJSONFilter* filter) : filter_(filter) {}
+
   bool null() { return place(nullptr); }
   bool boolean(bool value) { return place(value); }
   bool number_integer(RavoJSON::number_integer_t value) { return place(value); }
   bool number_unsigned(RavoJSON::number_unsigned_t value) { return place(value); }
-  bool number_float(RavoJSON::number_float_t value, const RavoJSON::string_t&) { return place(value); }
+  bool number_float(RavoJSON::number_float_t value, const RavoJSON::string_t& text) { return place(value, text); }
   bool string(RavoJSON::string_t& value) { return place(std::move(value)); }
   bool binary(RavoJSON::binary_t& value) { return place(RavoJSON::binary(std::move(value))); }
 
   bool start_object(std::size_t) { return open(RavoJSON::object()); }
   bool key(RavoJSON::string_t& key) {
+    if (filter_) filter_->key(path_, key);
     key_ = std::move(key);
     return true;
   }
@@ -73,18 +73,41 @@ class DocumentBuilder {
       throw RavoJSONDecodingError("malformed JSON: nesting is deeper than " + std::to_string(ravoJSONMaximumDepth) +
                                   " levels");
     }
+    const bool nested = !open_.empty();
+    const RavoJSONStep step = nested ? nextStep() : RavoJSONStep{};
+    check(container, {});
     open_.push_back({slot(std::move(container)), {}});
+    // The step names the container by the key now stored in its parent, which outlives it.
+    if (filter_ && nested) path_.push_back(step.index ? step : RavoJSONStep{*storedKey_, std::nullopt});
     return true;
   }
 
   bool close() {
     open_.pop_back();
+    if (filter_ && !open_.empty()) path_.pop_back();
     return true;
   }
 
-  bool place(RavoJSON value) {
+  bool place(RavoJSON value, std::string_view numberText = {}) {
+    check(value, numberText);
     slot(std::move(value));
     return true;
+  }
+
+  // Where the next value of the innermost open container goes.
+  RavoJSONStep nextStep() const {
+    const RavoJSON& container = *open_.back().value;
+    if (container.is_array()) return {{}, container.size()};
+    return {key_, std::nullopt};
+  }
+
+  // Asks the filter about a value before it is stored.
+  void check(const RavoJSON& value, std::string_view numberText) {
+    if (!filter_) return;
+    if (open_.empty()) return filter_->value(path_, value, numberText);
+    path_.push_back(nextStep());
+    filter_->value(path_, value, numberText);
+    path_.pop_back();
   }
 
   // Stores a value where the document expects the next one and returns where it now lives. Only the
@@ -107,6 +130,7 @@ class DocumentBuilder {
     } else {
       members.emplace_back(std::move(key_), std::move(value));
     }
+    storedKey_ = &members.begin()[position].first;
     return &members.begin()[position].second;
   }
 
@@ -125,22 +149,23 @@ class DocumentBuilder {
     return positions.try_emplace(key_, members.size()).first->second;
   }
 
+  const RavoJSONFilter* filter_;
   RavoJSON root_;
   std::vector<OpenContainer> open_;
   RavoJSON::string_t key_;
+  const RavoJSON::string_t* storedKey_ = nullptr;  // the key of the member slot() stored last
+  std::vector<RavoJSONStep> path_;                  // to the innermost open container, kept with a filter
 };
 
-}  // namespace
-
-RavoJSON parseRavoJSON(std::string_view text) {
+RavoJSON parse(std::string_view text, const RavoJSONFilter* filter) {
   // Well-formed text goes through the quick reader; anything it does not take, including a nesting
   // refusal, is read again by nlohmann's parser, so every error keeps nlohmann's exact text.
   try {
-    DocumentBuilder quick;
+    DocumentBuilder quick(filter);
     if (RavoWellFormedJSONReader(text, quick).read()) return quick.take();
   } catch (const RavoJSONDecodingError&) {
   }
-  DocumentBuilder builder;
+  DocumentBuilder builder(filter);
   RavoJSON::sax_parse(text, &builder);
   // nlohmann's lexer takes a raw NUL outside a string for the end of the input, so a value followed
   // by "\0junk" would parse. Inside strings NUL is refused unescaped, and before the end of the value
@@ -151,5 +176,11 @@ RavoJSON parseRavoJSON(std::string_view text) {
   }
   return builder.take();
 }
+
+}  // namespace
+
+RavoJSON parseRavoJSON(std::string_view text) { return parse(text, nullptr); }
+
+RavoJSON parseRavoJSON(std::string_view text, const RavoJSONFilter& filter) { return parse(text, &filter); }
 
 }  // namespace ravo::orx

@@ -13,9 +13,6 @@ namespace ravo::orx {
 
 namespace {
 
-// A facts object is under 1 KiB; a longer line is refused before it is held.
-constexpr std::size_t kFactsLineLimit = 64 << 10;
-
 // A log written from the command line never drops a record: the decision waits for room instead.
 OrxDecisionLogOptions fileLog(const std::optional<std::string>& logFile) {
   OrxDecisionLogOptions options;
@@ -42,7 +39,7 @@ int decideLines(const OrxDecisionKind& kind, OrxPolicyRuntime& runtime, const st
     }
     status = std::max(status, orxCliPrintAnswer(orxDecide(kind, runtime, facts)));
   };
-  const std::string last = orxCliReadLines(file, kFactsLineLimit, decideLine);
+  const std::string last = orxCliReadLines(file, kOrxCliFactsByteLimit, decideLine);
   if (!last.empty()) decideLine(last);
   return status;
 }

@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include <ravo-orx/core/ORXMessageText.h>
 #include <ravo-orx/core/ORXSHA256.h>
 #include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
@@ -150,7 +151,10 @@ class ModulesByDigest {
         if (entry.path().extension() != ".wasm" || !entry.is_regular_file(error)) continue;
         files_.emplace(ORXSHA256::hex(readArtifactFile(entry.path())), entry.path());
       }
-      if (error) throw std::runtime_error("could not read " + directory.string() + ": " + error.message());
+      if (error) {
+        throw std::runtime_error("could not read " + ORXMessageText::printable(directory.string()) + ": " +
+                                 error.message());
+      }
     }
     return files_;
   }
@@ -213,7 +217,7 @@ int against(const std::optional<std::string>& file, const std::string& moduleFil
   });
   printVerified(verifier);
   orxCliPrint("compared " + std::to_string(report.compared()) + " " + std::string(kind.name) + " records with " +
-              moduleFile + " (sha256 " + module.digest.substr(0, 8) + "): " + std::to_string(report.changed()) +
+              module.file + " (sha256 " + module.digest.substr(0, 8) + "): " + std::to_string(report.changed()) +
               " would change, " + std::to_string(report.compared() - report.changed()) + " would not; " +
               std::to_string(otherKinds) + " records of other kinds left out");
   report.print();

@@ -2,6 +2,7 @@
 
 #include <ravo-orx/core/ORXSHA256.h>
 #include <ravo-orx/runtime/OrxBuildConstants.h>
+#include <ravo-orx/engine/OrxLoadBudgets.h>
 #include <ravo-orx/engine/OrxModuleInstance.h>
 #include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/cli/OrxCliDecisions.h>
@@ -17,9 +18,10 @@ OrxCliPolicyModule OrxCliPolicyModule::read(const std::string& file) {
   if (const auto language = orxPolicyLanguageOf(file)) {
     auto bytes = OrxPolicyCompilers::find().compile({file, *language});
     std::string digest = ORXSHA256::hex(bytes);
-    return {file, std::move(bytes), std::move(digest)};
+    return {orxCliInputName(file), std::move(bytes), std::move(digest)};
   }
-  const std::string text = orxCliReadInput(file);
+  // No more than the module host would take: a larger file is refused before it is read.
+  const std::string text = orxCliReadInput(file, kOrxMaxModuleBytes);
   std::vector<std::uint8_t> bytes(text.begin(), text.end());
   std::string digest = ORXSHA256::hex(bytes);
   return {orxCliInputName(file), std::move(bytes), std::move(digest)};

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include <ravo-orx/core/ORXMessageText.h>
 #include <ravo-orx/cli/OrxCliCommand.h>
 #include <ravo-orx/cli/OrxCliIO.h>
 #include <ravo-orx/cli/OrxCliPolicyModule.h>
@@ -51,13 +52,15 @@ std::optional<std::string> contractProblem(const OrxModuleInterface& interface, 
 // Runs the manifest's cases as `policy test` does; one FAIL line each on standard output.
 int checkCases(const OrxCliPolicyModule& module, const OrxPolicyManifest& manifest) {
   std::size_t failed = 0;
-  for (const auto& result : runPolicyCases(module.bytes, manifest, *orxDecisionKindOfModule(manifest.module))) {
+  OrxPolicyRunFuel fuel;
+  for (const auto& result : runPolicyCases(module.bytes, manifest, *orxDecisionKindOfModule(manifest.module), fuel)) {
+    const std::string name = "\"" + ORXMessageText::printable(result.policyCase->name) + "\"";
     if (result.emits > 1) {
-      orxCliPrint("WARN \"" + result.policyCase->name + "\": emitted " + std::to_string(result.emits) +
+      orxCliPrint("WARN " + name + ": emitted " + std::to_string(result.emits) +
                   " times in one call; only the last emission counts");
     }
     if (result.problem.empty()) continue;
-    orxCliPrint("FAIL \"" + result.policyCase->name + "\": " + result.problem);
+    orxCliPrint("FAIL " + name + ": " + result.problem);
     ++failed;
   }
   printField("cases", std::to_string(manifest.cases.size() - failed) + " passed, " + std::to_string(failed) + " failed");
@@ -76,7 +79,7 @@ int runCheck(OrxCliArguments& arguments) {
   const auto module = OrxCliPolicyModule::read(moduleFile);
   std::optional<OrxPolicyManifest> manifest;
   if (manifestFile) {
-    const std::string text = orxCliReadInput(manifestFile);
+    const std::string text = orxCliReadInput(manifestFile, kOrxPolicyManifestByteLimit);
     manifest = OrxPolicyManifest::decode(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()),
                                          orxCliInputName(manifestFile));
   }
@@ -96,7 +99,7 @@ int runCheck(OrxCliArguments& arguments) {
     printField("contract", "refused: " + *problem);
     throw std::runtime_error(module.file + ": " + *problem);
   }
-  printField("contract", manifest ? "matches " + *manifestFile : std::string("a policy module's"));
+  printField("contract", manifest ? "matches " + orxCliInputName(manifestFile) : std::string("a policy module's"));
   if (manifest) return checkCases(module, *manifest);
   return 0;
 }

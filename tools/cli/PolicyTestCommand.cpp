@@ -1,13 +1,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
-#include <regex>
 #include <set>
 
+#include <ravo-orx/core/ORXMessageText.h>
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
 #include <ravo-orx/runtime/OrxEvidence.h>
 #include <ravo-orx/cli/OrxCliCommand.h>
 #include <ravo-orx/cli/OrxCliIO.h>
+#include <ravo-orx/cli/OrxCliPattern.h>
 #include <ravo-orx/cli/OrxCliTestReport.h>
 #include <ravo-orx/package_check/OrxDurableFiles.h>
 #include <ravo-orx/package_check/OrxPolicyCases.h>
@@ -26,8 +27,10 @@ constexpr std::string_view kManifestSuffix = ".manifest.json";
 struct Options {
   bool verbose = false;
   bool coverage = false;
-  std::optional<std::regex> run;  // selects cases by "module/case"
+  std::optional<OrxCliPattern> run;  // selects cases by "module/case"
 };
+
+std::string printable(const fs::path& path) { return ORXMessageText::printable(path.string()); }
 
 // The manifests named: each directory's *.manifest.json in name order, and manifest files as given.
 std::vector<fs::path> manifestsIn(const std::vector<fs::path>& paths) {
@@ -35,7 +38,7 @@ std::vector<fs::path> manifestsIn(const std::vector<fs::path>& paths) {
   for (const auto& path : paths) {
     std::error_code error;
     if (!fs::is_directory(path, error)) {
-      if (!fs::exists(path, error)) throw std::runtime_error("no such manifest or directory: " + path.string());
+      if (!fs::exists(path, error)) throw std::runtime_error("no such manifest or directory: " + printable(path));
       manifests.push_back(path);
       continue;
     }
@@ -43,7 +46,7 @@ std::vector<fs::path> manifestsIn(const std::vector<fs::path>& paths) {
     for (const auto& entry : fs::directory_iterator(path)) {
       if (entry.path().filename().string().ends_with(kManifestSuffix)) found.push_back(entry.path());
     }
-    if (found.empty()) throw std::runtime_error("no *.manifest.json in " + path.string());
+    if (found.empty()) throw std::runtime_error("no *.manifest.json in " + printable(path));
     std::sort(found.begin(), found.end());
     manifests.insert(manifests.end(), found.begin(), found.end());
   }
@@ -75,17 +78,19 @@ std::string coverage(const OrxDecisionKind& kind, const std::vector<OrxPolicyCas
 }
 
 bool selected(const Options& options, const std::string& module, const std::string& name) {
-  return !options.run || std::regex_search(module + "/" + name, *options.run);
+  return !options.run || options.run->foundIn(module + "/" + name);
 }
 
-// Runs the selected cases of one manifest; prints its coverage when asked (text reports only).
+// Runs the selected cases of one manifest, charging them to the run's fuel; prints its coverage when
+// asked (text reports only).
 OrxCliModuleRun runManifest(const fs::path& file, const Options& options, std::optional<OrxPolicyCompilers>& compilers,
-                            std::vector<std::string>& notes) {
-  std::string name = file.filename().string();
+                            OrxPolicyRunFuel& fuel, std::vector<std::string>& notes) {
+  std::string name = printable(file.filename());
   if (name.ends_with(kManifestSuffix)) name.resize(name.size() - kManifestSuffix.size());
   OrxPolicyManifest manifest;
   try {
-    manifest = OrxPolicyManifest::decode(readArtifactFile(file), file.string());
+    const auto bytes = OrxBoundedInput(file, kOrxPolicyManifestByteLimit).readAll<std::vector<std::uint8_t>>();
+    manifest = OrxPolicyManifest::decode(bytes, printable(file));
   } catch (const std::exception& error) {
     return {name, error.what(), {{"manifest", error.what(), std::nullopt}}};
   }
@@ -100,7 +105,9 @@ OrxCliModuleRun runManifest(const fs::path& file, const Options& options, std::o
     if (const auto problems = orxManifestContractProblems(manifest, bytes); !problems.empty()) {
       throw std::runtime_error(problems.front());
     }
-    results = runPolicyCases(bytes, chosen, kind);
+    results = runPolicyCases(bytes, chosen, kind, fuel);
+  } catch (const OrxPolicyRunFuelExhausted&) {
+    throw;  // ends the run, not just this module's
   } catch (const std::exception& error) {
     // A module that cannot run fails every selected case, with one reason.
     run.failure = error.what();
@@ -125,7 +132,7 @@ void printText(const OrxCliTestReport& report, const Options& options, const std
       continue;
     }
     for (const auto& outcome : module.cases) {
-      const std::string label = module.module + " \"" + outcome.name + "\"";
+      const std::string label = module.module + " \"" + ORXMessageText::printable(outcome.name) + "\"";
       if (outcome.warning) orxCliPrint("WARN " + label + ": " + *outcome.warning);
       if (!outcome.problem.empty()) orxCliPrint("FAIL " + label + ": " + outcome.problem);
       else if (options.verbose) orxCliPrint("PASS " + label);
@@ -142,13 +149,7 @@ int runTest(OrxCliArguments& arguments) {
   const bool json = arguments.flag("--json");
   const auto junit = arguments.option("--junit");
   const auto pattern = arguments.option("--run");
-  if (pattern) {
-    try {
-      options.run.emplace(*pattern, std::regex::ECMAScript);
-    } catch (const std::regex_error& error) {
-      throw OrxCliUsageError("--run \"" + *pattern + "\" is not a regular expression: " + error.what());
-    }
-  }
+  if (pattern) options.run.emplace("--run", *pattern);
   std::vector<fs::path> paths;
   while (const auto path = arguments.nextIfAny()) paths.emplace_back(*path);
   arguments.finish();
@@ -157,12 +158,15 @@ int runTest(OrxCliArguments& arguments) {
   OrxCliTestReport report;
   std::vector<std::string> notes;
   std::optional<OrxPolicyCompilers> compilers;
+  OrxPolicyRunFuel fuel;
   for (const auto& manifest : manifestsIn(paths)) {
-    auto run = runManifest(manifest, options, compilers, notes);
+    auto run = runManifest(manifest, options, compilers, fuel, notes);
     if (!run.cases.empty()) report.modules.push_back(std::move(run));  // --run selected none of its cases
   }
   // Only a filter can select nothing: a manifest without cases is refused.
-  if (report.passed() + report.failed() == 0) throw std::runtime_error("no case matches --run \"" + *pattern + "\"");
+  if (report.passed() + report.failed() == 0) {
+    throw std::runtime_error("no case matches --run \"" + ORXMessageText::printable(*pattern) + "\"");
+  }
   if (junit) orxReplaceFile(*junit, orxCliTestReportJUnit(report));
   if (json) orxCliPrint(orxCliTestReportJSON(report));
   else printText(report, options, notes);
@@ -184,7 +188,10 @@ constinit const OrxCliCommand kOrxCliPolicyTestCommand{
     "the assembler's whole diagnostic), a WARN line for a case whose call emitted more than once; -v\n"
     "prints a PASS line for every passing case too; --coverage prints, per module, the reason codes no\n"
     "passing case produced. The last line is \"N passed, M failed\".\n"
-    "--run REGEX runs only the cases whose \"module/case\" the ECMAScript expression matches anywhere.\n"
+    "A manifest holds at most 10000 cases, and the cases of one run use at most 1000000000 fuel units\n"
+    "together (each case's call counted once); a run that needs more stops with exit status 1.\n"
+    "--run REGEX runs only the cases whose \"module/case\" the regular expression (ICU's syntax, at most\n"
+    "1000 bytes) matches anywhere; a search that needs more than about a second is a usage mistake.\n"
     "--junit FILE also writes the results as JUnit XML (written whole or not at all); --json prints them\n"
     "as one JSON object instead of the lines above.\n"
     "Exit status: 0 every case passed, 1 a case failed or a manifest or module could not run, or no case\n"

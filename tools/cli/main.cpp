@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include <ravo-orx/engine/OrxQuotedText.h>
+#include <ravo-orx/core/ORXMessageText.h>
 #include <ravo-orx/runtime/OrxLog.h>
 #include <ravo-orx/cli/OrxCliCommand.h>
 #include <ravo-orx/cli/OrxCliIO.h>
@@ -59,11 +59,11 @@ std::string commandHelp(const OrxCliCommand& command, const std::string& program
   return "usage: " + program + synopsis + "\n\n" + std::string(command.details) + "\n" + std::string(kExitStatuses);
 }
 
-// Error texts are printed as the system wrote them, folded onto one line, with any other control
-// character escaped: an error may quote a file's or a module's bytes.
+// Error texts are printed as the system wrote them, folded onto one line, with any other control byte
+// (a carriage return in a file name, a terminal's escape sequence in a document) shown as an escape.
 void printError(std::string text) {
-  for (char& c : text) c = (c == '\n' || c == '\r') ? ' ' : c;
-  text = internal::orxQuotedText(text, std::string::npos) + '\n';
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  text = internal::ORXMessageText::printable(text) + '\n';
   std::fwrite(text.data(), 1, text.size(), stderr);
 }
 

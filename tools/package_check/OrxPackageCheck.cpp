@@ -28,8 +28,9 @@ Json checkContract(const OrxPolicyManifest& manifest, std::span<const std::uint8
 Json runCases(const OrxPolicyManifest& manifest, std::span<const std::uint8_t> wasm,
               std::vector<std::string>& failures) {
   Json cases = Json::array();
+  OrxPolicyRunFuel fuel;
   try {
-    for (const auto& result : runPolicyCases(wasm, manifest, *orxDecisionKindOfModule(manifest.module))) {
+    for (const auto& result : runPolicyCases(wasm, manifest, *orxDecisionKindOfModule(manifest.module), fuel)) {
       cases.push_back({{"case", result.policyCase->name}, {"status", result.problem.empty() ? kOrxPackageCheckPassing : "fail"}});
       if (!result.problem.empty()) failures.push_back(result.policyCase->name + ": " + result.problem);
     }

@@ -53,8 +53,16 @@ std::string caseProblem(const Observed& call, const OrxPolicyAnswer& answer, con
 
 }  // namespace
 
+void OrxPolicyRunFuel::charge(std::uint64_t fuel) {
+  used_ += fuel;
+  if (used_ <= limit_) return;
+  throw OrxPolicyRunFuelExhausted("the cases used more than " + std::to_string(limit_) +
+                                  " fuel units, the most one run may use; the cases after it were not run "
+                                  "(docs/POLICY-MANIFEST.md, \"Budgets\")");
+}
+
 std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest,
-                                                const OrxDecisionKind& kind) {
+                                                const OrxDecisionKind& kind, OrxPolicyRunFuel& fuel) {
   auto owned = loadModule(manifest.module, wasm, /*allowPrecompiled=*/false);
   // Counts the emissions of each case, which the runtime's own instance does not.
   const auto measured = loadMeasuredModule(manifest.module, wasm);
@@ -69,6 +77,7 @@ std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wa
     std::optional<std::int32_t> reason;
     if (observed.emitted && observed.emitted->size() > kind.reasonIndex) reason = (*observed.emitted)[kind.reasonIndex];
     const auto explained = orxExplainCall(*measured, kind, policyCase.facts);
+    fuel.charge(explained.measure.fuel);
     results.push_back({&policyCase, caseProblem(observed, answer, policyCase, kind), reason, explained.measure.emits});
   }
   return results;

@@ -112,6 +112,9 @@ OrxPolicyCompilers OrxPolicyCompilers::find() {
 }
 
 std::vector<std::uint8_t> OrxPolicyCompilers::compile(const OrxPolicySource& source) {
+  // The compilers read the source themselves: it is held to the artifact files' limits first, so a FIFO
+  // or a device is refused at once and an oversized source before a compiler spends its time on it.
+  const internal::OrxBoundedInput checked(source.path, internal::kOrxArtifactFileByteLimit);
   switch (source.language) {
     case OrxPolicyLanguage::webAssemblyText: return assemble(source.path);
     case OrxPolicyLanguage::c: return compileC(source.path);

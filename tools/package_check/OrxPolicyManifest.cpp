@@ -7,6 +7,7 @@
 #include <string_view>
 #include <variant>
 
+#include <ravo-orx/core/ORXMessageText.h>
 #include <ravo-orx/contracts/support/RavoJSON.h>
 #include <ravo-orx/engine/OrxModuleInstance.h>
 #include <ravo-orx/runtime/OrxDecisionKinds.h>
@@ -22,7 +23,11 @@ namespace {
   throw std::runtime_error(where + ": " + what);
 }
 
-std::string inQuotes(std::string_view key) { return "\"" + std::string(key) + "\""; }
+// A text of the manifest as a refusal shows it: printable, and cut after 200 bytes (a case name is a
+// line; a key or a lane of megabytes is not worth echoing whole).
+std::string shown(std::string_view text) { return ORXMessageText::printable(ORXMessageText::excerpt(text, 200)); }
+
+std::string inQuotes(std::string_view key) { return "\"" + shown(key) + "\""; }
 
 void decodeValue(const RavoJSON& json, const std::string& where, std::string& out) {
   if (!json.is_string()) refuse(where, "expected a string");
@@ -90,17 +95,15 @@ constexpr std::span<const Key<Object>> keysOf() {
   }
 }
 
-// Every key of the table present, no other.
+void expectObject(const RavoJSON& json, const std::string& where) {
+  if (!json.is_object()) refuse(where, "expected an object");
+}
+
+// Every key of the table present; the reader refused any other (SchemaFilter).
 template <class Object>
 void decodeObject(const RavoJSON& json, const std::string& where, Object& out) {
-  if (!json.is_object()) refuse(where, "expected an object");
+  expectObject(json, where);
   const auto keys = keysOf<Object>();
-  for (const auto& item : json.items()) {
-    const std::string& name = item.key();
-    if (std::none_of(keys.begin(), keys.end(), [&](const auto& key) { return key.name == name; })) {
-      refuse(where, "unknown key " + inQuotes(name) + " (the schema is docs/POLICY-MANIFEST.md)");
-    }
-  }
   for (const auto& key : keys) {
     const auto value = json.find(key.name);
     if (value == json.end()) refuse(where, "missing key " + inQuotes(key.name));
@@ -109,10 +112,91 @@ void decodeObject(const RavoJSON& json, const std::string& where, Object& out) {
   }
 }
 
+template <class T>
+constexpr bool kIsObject = std::is_same_v<T, OrxPolicyManifest> || std::is_same_v<T, OrxPolicyCase>;
+
+template <class T>
+struct MemberType;
+template <class T, class Object>
+struct MemberType<T Object::*> {
+  using type = T;
+};
+
+// Hands `visit` a null pointer of the schema's type at `path` below a T: an object's key leads to its
+// field's type, an element to the array's item type. Only paths the reader has let through arrive.
+template <class T, class Visit>
+void atPath(RavoJSONPath path, const Visit& visit) {
+  if (path.empty()) return visit(static_cast<T*>(nullptr));
+  if constexpr (kIsObject<T>) {
+    for (const auto& key : keysOf<T>()) {
+      if (key.name != path.front().key) continue;
+      std::visit([&](auto field) { atPath<typename MemberType<decltype(field)>::type>(path.subspan(1), visit); },
+                 key.field);
+    }
+  } else if constexpr (requires { typename T::value_type; } && !std::is_same_v<T, std::string>) {
+    atPath<typename T::value_type>(path.subspan(1), visit);
+  }
+}
+
+// Where a refusal at `path` points: the file, then each key in quotes and each index in brackets, as
+// decodeValue and decodeObject name them.
+std::string whereOf(const std::string& name, RavoJSONPath path) {
+  std::string where = name;
+  for (const auto& step : path) where += step.index ? "[" + std::to_string(*step.index) + "]" : ": " + inQuotes(step.key);
+  return where;
+}
+
+// The schema held as the manifest is read: an unknown key, a value of the wrong type (a container as it
+// opens, so its contents are never read) and an item past its array's limit are refused before they
+// are built, with the texts decodeValue and decodeObject give, so nothing a manifest is refused for
+// costs memory, and a manifest the schema keeps costs little more than its text.
+class SchemaFilter final : public RavoJSONFilter {
+ public:
+  explicit SchemaFilter(const std::string& name) : name_(name) {}
+
+  void key(RavoJSONPath object, std::string_view name) const override {
+    atPath<OrxPolicyManifest>(object, [&]<class T>(T*) {
+      if constexpr (kIsObject<T>) {
+        const auto keys = keysOf<T>();
+        if (std::none_of(keys.begin(), keys.end(), [&](const auto& key) { return key.name == name; })) {
+          refuse(whereOf(name_, object), "unknown key " + inQuotes(name) + " (the schema is docs/POLICY-MANIFEST.md)");
+        }
+      }
+    });
+  }
+
+  void value(RavoJSONPath path, const RavoJSON& value, std::string_view) const override {
+    atPath<OrxPolicyManifest>(path, [&]<class T>(T*) {
+      if (!path.empty() && path.back().index) checkCount<T>(path);
+      const std::string where = whereOf(name_, path);
+      if constexpr (kIsObject<T>) {
+        expectObject(value, where);
+      } else {
+        T scratch{};  // a container arrives empty: only its type is checked, its items come one by one
+        decodeValue(value, where, scratch);
+      }
+    });
+  }
+
+ private:
+  // An array's item at `path` is within the array's limit.
+  template <class Item>
+  void checkCount(RavoJSONPath path) const {
+    constexpr bool isCase = std::is_same_v<Item, OrxPolicyCase>;
+    constexpr std::size_t limit = isCase ? kOrxPolicyManifestCaseLimit : kOrxPolicyManifestListLimit;
+    if (*path.back().index < limit) return;
+    refuse(whereOf(name_, path.first(path.size() - 1)),
+           "more than " + std::to_string(limit) +
+               (isCase ? " cases, the most a manifest holds" : " items, the most a list of a manifest holds"));
+  }
+
+  const std::string& name_;
+};
+
 template <class Item>
 std::string listed(const std::vector<Item>& items) {
   std::string text;
-  for (const auto& item : items) text += (text.empty() ? "" : ", ") + std::string(item);
+  for (const auto& item : items) text += (text.empty() ? "" : ", ") + shown(item);
   return "[" + text + "]";
 }
 
@@ -122,7 +206,7 @@ void checkAgainstKind(const OrxPolicyManifest& manifest, const std::string& wher
   if (!kind) refuse(where + ": \"module\"", inQuotes(manifest.module) + " is no module of this runtime");
   auto differs = [&](std::string_view key, const std::string& given, std::string_view wanted) {
     if (given != wanted) {
-      refuse(where + ": " + inQuotes(key), given + " is not " + std::string(wanted) + ", the runtime's for " +
+      refuse(where + ": " + inQuotes(key), shown(given) + " is not " + std::string(wanted) + ", the runtime's for " +
                                              std::string(kind->module));
     }
   };
@@ -153,9 +237,10 @@ void checkAgainstKind(const OrxPolicyManifest& manifest, const std::string& wher
 
 OrxPolicyManifest OrxPolicyManifest::decode(std::span<const std::uint8_t> json, const std::string& name) {
   RavoJSON document;
+  const std::string_view text(reinterpret_cast<const char*>(json.data()), json.size());
   try {
-    document = parseRavoJSON(std::string_view(reinterpret_cast<const char*>(json.data()), json.size()));
-  } catch (const std::exception& error) {
+    document = parseRavoJSON(text, SchemaFilter(name));
+  } catch (const RavoJSONDecodingError& error) {
     refuse(name, error.what());
   }
   OrxPolicyManifest manifest;

@@ -8,10 +8,11 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <stdexcept>
+
+#include <ravo-orx/core/ORXMessageText.h>
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
 
 extern char** environ;
 
@@ -34,9 +35,18 @@ OrxScratchDirectory::~OrxScratchDirectory() {
 
 namespace {
 
-std::string fileText(const fs::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
+// The most of an output kept. A source with an error on every line makes a compiler write megabytes of
+// diagnostics, of which the start says what is wrong.
+constexpr std::size_t kOutputBytesKept = 1 << 20;
+
+// What the process wrote to `path`, at most kOutputBytesKept of it, cut between two characters.
+std::string outputText(const fs::path& path) {
+  std::string text;
+  internal::OrxBoundedInput(path, internal::OrxBoundedInput::kUnbounded).readPieces([&](std::string_view piece) {
+    // One byte past the limit is kept, so that the excerpt knows the text went on.
+    if (text.size() <= kOutputBytesKept) text.append(piece.substr(0, kOutputBytesKept + 1 - text.size()));
+  });
+  return internal::ORXMessageText::excerpt(text, kOutputBytesKept);
 }
 
 }  // namespace
@@ -59,7 +69,7 @@ OrxProcessOutcome runOrxProcess(std::vector<std::string> words) {
   int status = 0;
   while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), fileText(out), fileText(err)};
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), outputText(out), outputText(err)};
 }
 
 std::vector<fs::path> findAllOnPath(const std::string& name) {

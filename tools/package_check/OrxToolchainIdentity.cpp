@@ -1,11 +1,10 @@
 #include <ravo-orx/package_check/OrxToolchainIdentity.h>
 
 #include <algorithm>
-#include <fstream>
-#include <stdexcept>
 #include <vector>
 
 #include <ravo-orx/core/ORXSHA256.h>
+#include <ravo-orx/runtime/OrxArtifactFiles.h>
 
 namespace ravo::orx {
 
@@ -13,14 +12,10 @@ namespace {
 
 // Streamed: a compiler's libraries are hundreds of megabytes.
 std::string listingLine(const std::filesystem::path& file, const std::string& name) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) throw std::runtime_error("cannot read " + file.string());
   ORXSHA256 hasher;
-  std::vector<char> chunk(1 << 20);
-  while (stream.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || stream.gcount() > 0) {
-    hasher.update(std::string_view(chunk.data(), static_cast<std::size_t>(stream.gcount())));
-  }
-  if (stream.bad()) throw std::runtime_error("cannot read " + file.string());
+  internal::OrxBoundedInput(file, internal::OrxBoundedInput::kUnbounded).readPieces([&](std::string_view piece) {
+    hasher.update(piece);
+  });
   return ORXSHA256::toHex(hasher.finalize()) + "  " + name + "\n";
 }
 

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <ravo-orx/contracts/support/RavoJSON.h>
 #include <ravo-orx/contracts/support/RavoTextNormalization.h>
@@ -144,6 +146,88 @@ TEST(RavoJSONReader, RefusesNestingPastTheLimitInTheSameWords) {
     }
   }
   EXPECT_EQ(parseRavoJSON(std::string(512, '[') + std::string(512, ']')).size(), 1u);
+}
+
+
+// Writes down what it is asked, in order: "key <object>: <key>" and "value <path>: <value> <number
+// text>", paths as $.key[index]; throws at the key or value whose text is `refused`.
+class RecordingFilter final : public RavoJSONFilter {
+ public:
+  explicit RecordingFilter(std::string refused = "") : refused_(std::move(refused)) {}
+
+  void key(RavoJSONPath object, std::string_view key) const override {
+    record("key " + shown(object) + ": " + std::string(key), std::string(key));
+  }
+  void value(RavoJSONPath path, const RavoJSON& value, std::string_view numberText) const override {
+    record("value " + shown(path) + ": " + value.dump() + (numberText.empty() ? "" : " " + std::string(numberText)),
+           value.dump());
+  }
+
+  mutable std::vector<std::string> events;
+
+ private:
+  static std::string shown(RavoJSONPath path) {
+    std::string text = "$";
+    for (const auto& step : path) text += step.index ? "[" + std::to_string(*step.index) + "]" : "." + std::string(step.key);
+    return text;
+  }
+  void record(std::string event, const std::string& text) const {
+    events.push_back(std::move(event));
+    if (text == refused_) throw std::runtime_error("refused " + text);
+  }
+
+  std::string refused_;
+};
+
+// The filter is asked about every key and value before it is built, with its path, by the quick reader
+// and by nlohmann's parser alike; what it throws ends the reading there.
+TEST(RavoJSONReader, AsksTheFilterAboutEveryKeyAndValueAsItIsRead) {
+  struct Row {
+    const char* name;
+    std::string text;
+    std::string refused;
+    std::vector<std::string> events;
+  };
+  std::string manyMembers = "{";
+  for (int i = 0; i < 20; ++i) manyMembers += "\"m" + std::to_string(i) + "\":0,";
+  manyMembers += "\"m3\":{\"x\":[true]}}";
+  const std::vector<std::string> nested = {
+      "value $: {}",          "key $: a",   "value $.a: []",       "value $.a[0]: 1",  "value $.a[1]: {}",
+      "key $.a[1]: b",        "value $.a[1].b: true", "key $: c", "value $.c: \"x\""};
+  const std::vector<Row> rows = {
+      {"nested, read by the quick reader", R"({"a":[1,{"b":true}],"c":"x"})", "", nested},
+      // The byte order mark makes the quick reader give up at once: nlohmann's parser asks the same.
+      {"nested, read by nlohmann's parser", "\xef\xbb\xbf" R"({"a":[1,{"b":true}],"c":"x"})", "", nested},
+      {"numbers that are no 64-bit integers are asked with their text", "[1.5,-2e3,7,-8]", "",
+       {"value $: []", "value $[0]: 1.5 1.5", "value $[1]: -2000.0 -2e3", "value $[2]: 7", "value $[3]: -8"}},
+      // Past 64 bits the quick reader gives up, and the text is read again from its start.
+      {"a number past 64 bits", "[0,-9223372036854775809]", "",
+       {"value $: []", "value $[0]: 0", "value $: []", "value $[0]: 0",
+        "value $[1]: -9.223372036854776e+18 -9223372036854775809"}},
+      {"a repeated key names the member it replaces", R"({"a":{"x":1},"a":{"y":2}})", "",
+       {"value $: {}", "key $: a", "value $.a: {}", "key $.a: x", "value $.a.x: 1", "key $: a", "value $.a: {}",
+        "key $.a: y", "value $.a.y: 2"}},
+      {"a refused key ends the reading before its value", R"({"a":1,"junk":[1,2,3]})", "junk",
+       {"value $: {}", "key $: a", "value $.a: 1", "key $: junk"}},
+      {"a refused container ends the reading before its items", R"({"a":[1,2,3],"b":0})", "[]",
+       {"value $: {}", "key $: a", "value $.a: []"}},
+  };
+  for (const auto& row : rows) {
+    const RecordingFilter filter(row.refused);
+    try {
+      parseRavoJSON(row.text, filter);
+      EXPECT_EQ(row.refused, "") << row.name;
+    } catch (const std::runtime_error& error) {
+      EXPECT_EQ(error.what(), "refused " + row.refused) << row.name;
+    }
+    EXPECT_EQ(filter.events, row.events) << row.name;
+  }
+  // In an object large enough to index its members, a member replaced by a container is named by its key.
+  const RecordingFilter filter;
+  parseRavoJSON(manyMembers, filter);
+  EXPECT_EQ(std::vector<std::string>(filter.events.end() - 5, filter.events.end()),
+            (std::vector<std::string>{"key $: m3", "value $.m3: {}", "key $.m3: x", "value $.m3.x: []",
+                                      "value $.m3.x[0]: true"}));
 }
 
 }  // namespace

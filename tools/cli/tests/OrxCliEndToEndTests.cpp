@@ -177,6 +177,90 @@ TEST(RavoOrxTool, Decide) {
   });
 }
 
+// A facts document is held to its shape as it is read: a number outside 32 bits is refused as written
+// (never wrapped, whatever its size), and a name or a value that cannot be a fact is refused before
+// anything after it is read. What a refusal quotes of the document is shown printable and cut.
+TEST(RavoOrxTool, FactsAreRefusedAsTheyAreReadAndNeverWrapped) {
+  const std::string factRange = "fact \"role\" must be an integer from -2147483648 to 2147483647, got ";
+  const auto withRole = [](const std::string& role) {
+    return std::string(R"({"role": )") + role + kPlaysFacts.substr(kPlaysFacts.find(','));
+  };
+  std::string accents;
+  for (int i = 0; i < 40; ++i) accents += "\u00E9";  // two bytes each
+  const std::string cutAccents = accents.substr(0, 64) + "\u2026";
+  expectOutcomes({
+      {{"decide", "authz", "--facts", "-"}, withRole("9223372036854775809"),
+       misused("decide", factRange + "9223372036854775809")},
+      {{"decide", "authz", "--facts", "-"}, withRole("18446744073709551616"),
+       misused("decide", factRange + "18446744073709551616")},
+      {{"decide", "authz", "--facts", "-"}, withRole("-2147483649"), misused("decide", factRange + "-2147483649")},
+      {{"decide", "authz", "--facts", "-"}, withRole("-9223372036854775809"),
+       misused("decide", factRange + "-9223372036854775809")},
+      {{"decide", "authz", "--facts", "-"}, withRole("1e3"), misused("decide", factRange + "1e3")},
+      {{"decide", "authz", "--facts", "-"}, withRole("\"2\""), misused("decide", factRange + "the string \"2\"")},
+      {{"decide", "authz", "--facts", "-"}, withRole("[2, 3]"), misused("decide", factRange + "an array")},
+      {{"decide", "authz", "--facts", "-"}, withRole("{\"a\": 2}"), misused("decide", factRange + "an object")},
+      {{"decide", "authz", "--facts", "-"}, withRole("null"), misused("decide", factRange + "null")},
+      {{"decide", "authz", "--facts", "-"}, R"({"junk": ["", "", ""], "role": 2})",
+       misused("decide", "unknown fact \"junk\" for authz")},
+      {{"decide", "authz", "--facts", "-"}, R"({"\u001b[2J": 1})", misused("decide", "unknown fact \"\\x1B[2J\" for authz")},
+      {{"decide", "authz", "--facts", "-"}, "{\"" + accents + "\": 1}",
+       misused("decide", "unknown fact \"" + cutAccents + "\" for authz")},
+      {{"decide", "authz", "--facts", "-"}, kPlaysFacts + std::string("\0x", 2),
+       refused("malformed JSON: unexpected NUL byte at offset " + std::to_string(kPlaysFacts.size()) +
+               "; expected end of input")},
+      {{"decide", "authz", "--facts", "-"},
+       R"({"role": -2147483648, "command": 6, "grantFlags": 63, "tokenAgeMilliseconds": 1000, )"
+       R"("tokenTTLMilliseconds": 2147483647, "rateUsed": 0, "rateLimit": 600, "controlMode": 1})",
+       printed(R"({"isAllowed":false,"reason":"unpaired","policyVersion":3,"source":"policy"})")},
+      {{"decide", "sync", "0", "-2147483649"}, "",
+       misused("decide", "fact 2 must be an integer from -2147483648 to 2147483647, got \"-2147483649\"")},
+      {{"decide", "sync", "99999999999999999999"}, "",
+       misused("decide", "fact 1 must be an integer from -2147483648 to 2147483647, got \"99999999999999999999\"")},
+      // A word is echoed as the one-line error shows every text: control bytes escaped.
+      {{"decide", "sync", "\x1B[2J"}, "",
+       misused("decide", "fact 1 must be an integer from -2147483648 to 2147483647, got \"\\x1B[2J\"")},
+      // A facts object is under 1 KiB: past 64 KiB it is refused before it is read.
+      {{"decide", "authz", "--facts", "-"}, kPlaysFacts + std::string(65536, ' '),
+       refused("could not read standard input: file of " + std::to_string(kPlaysFacts.size() + 65536) +
+               " bytes exceeds the limit of 65536")},
+  });
+}
+
+// A file name is shown printable wherever a message names it: a carriage return, a line feed or an
+// escape byte in it cannot rewrite the line or drive the terminal.
+TEST(RavoOrxTool, FileNamesInMessagesShowControlBytesEscaped) {
+  const Scratch scratch("ravo-orx-names-");
+  const std::string odd = "odd\r\x1B[2Jname\n", shown = "odd\\r\\x1B[2Jname\\n";
+  fs::create_directories(scratch.path / odd);
+  std::ofstream(scratch.path / odd / "facts") << "[1]\n";
+  std::ofstream(scratch.path / odd / "player_authz.manifest.json") << "{}";
+  const std::string directory = (scratch.path / shown).string();
+  // A case named with an escape sequence, failing: its FAIL line shows the name escaped.
+  const fs::path cases = scratch.path / "cases";
+  fs::create_directories(cases);
+  fs::copy(kRoot / "policies/player_authz.wat", cases);
+  std::string manifest = fileText(kRoot / "policies/player_authz.manifest.json");
+  const std::string allowed = R"("controller main-screen command is allowed", "facts": [2, 6, 63, 1000, 900000, 0, 600, 1], "emits": [5201, 1, 6, 0, 3])";
+  manifest.replace(manifest.find(allowed), allowed.size(),
+                   R"("\u001b[2J", "facts": [2, 6, 63, 1000, 900000, 0, 600, 1], "emits": [5201, 1, 6, 0, 4])");
+  std::ofstream(cases / "player_authz.manifest.json") << manifest;
+  expectOutcomes({
+      {{"canon", (scratch.path / odd / "gone.json").string()}, "",
+       refused("could not read " + directory + "/gone.json: No such file or directory")},
+      {{"decide", "authz", "--facts-lines", (scratch.path / odd / "facts").string()}, "",
+       refused(directory + "/facts line 1: facts: expected a JSON object keyed by the fact names")},
+      {{"policy", "check", (scratch.path / odd / "m.wasm").string()}, "",
+       refused("policy check", "could not read " + directory + "/m.wasm: No such file or directory")},
+      {{"policy", "test", (scratch.path / odd).string()}, "",
+       {"FAIL player_authz: " + directory + "/player_authz.manifest.json: missing key \"module\"\n0 passed, 1 failed\n",
+        "", 1}},
+      {{"policy", "test", "--run", "\x1B", cases.string()}, "",
+       {"FAIL player_authz \"\\x1B[2J\": expected [5201, 1, 6, 0, 4], emitted [5201, 1, 6, 0, 3]\n0 passed, 1 failed\n",
+        "", 1}},
+  });
+}
+
 TEST(RavoOrxTool, Resolve) {
   const std::string pause = R"("actionID":"ravo.player.pause","arguments":{}})";
   const std::string volume =
@@ -265,18 +349,23 @@ TEST(RavoOrxTool, DocumentsPastTheInputLimitAreRefused) {
   std::ofstream(pastLimit).close();
   fs::resize_file(atLimit, kLimit);  // sparse: zero bytes that cost no disk
   fs::resize_file(pastLimit, kLimit + 1);
-  const auto tooLong = [](const std::string& name) {
-    return refused("could not read " + name + ": input exceeds the limit of 268435456 bytes");
+  // A named file is sized before it is read; a stream is cut one byte past the limit.
+  const auto tooLarge = [](const std::string& name) {
+    return refused("could not read " + name + ": file of 268435457 bytes exceeds the limit of 268435456");
   };
+  const Outcome endless = refused("could not read standard input: input exceeds the limit of 268435456 bytes");
   expectOutcomes({
-      {{"canon", "/dev/zero"}, "", tooLong("/dev/zero")},
-      {{"canon", pastLimit}, "", tooLong(pastLimit)},
-      {{"digest", "ORX_GRANT_SET_V1", pastLimit}, "", tooLong(pastLimit)},
-      {{"scenario", "digest", pastLimit}, "", tooLong(pastLimit)},
+      {{"canon", "/dev/zero"}, "", refused("could not read /dev/zero: not a regular file")},
+      {{"digest", "--raw", "/dev/zero"}, "", refused("could not read /dev/zero: not a regular file")},
+      {{"canon", pastLimit}, "", tooLarge(pastLimit)},
+      {{"digest", "ORX_GRANT_SET_V1", pastLimit}, "", tooLarge(pastLimit)},
+      {{"scenario", "digest", pastLimit}, "", tooLarge(pastLimit)},
       {{"canon", atLimit}, "", refused("orx.v051.parse_invalid: unsupported JSON value")},
       {{"digest", "--raw", pastLimit}, "",
        printed("sha256:da6ce8755151acd05195db67ebce3ee0fb5f4012e71e821cc5750f3304eaf41e")},
   });
+  EXPECT_EQ(runWithInput({"canon"}, "/dev/zero"), endless);
+  EXPECT_EQ(runWithInput({"scenario", "validate", "-"}, "/dev/zero"), endless);
 }
 
 // A result that cannot be written is a failure of every subcommand, help included.

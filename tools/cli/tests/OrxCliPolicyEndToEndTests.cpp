@@ -167,6 +167,14 @@ TEST(RavoOrxPolicy, TestRefusesEveryBreachOfTheManifestSchema) {
        "case " + first + ": the name is given to another case before it"},
       {original.substr(original.find("\"cases\"")), "\"cases\": []\n}\n",
        R"("cases": no cases: a manifest tests its module with at least one)"},
+      {R"("imports": [")", R"("imports": [)" + [] {
+         std::string many;
+         for (int i = 0; i < 100; ++i) many += "\"x\", ";
+         return many;
+       }() + "\"",
+       R"("imports": more than 100 items, the most a list of a manifest holds)"},
+      {firstFacts, R"("facts": [2, 6, 63, 1000, 900000, 0, 600, 1], "emits": {"tag": 5201})",
+       R"("cases"[0]: "emits": expected an array)"},
       {"\n}\n", "\n}\n[]", "malformed JSON"},
       {"\n}\n", std::string("\n}\n\0", 4), "malformed JSON: unexpected NUL byte"},
   };
@@ -234,8 +242,10 @@ TEST(RavoOrxPolicy, TestSelectsCasesAndWritesReportsForMachines) {
        printed(R"({"passed":1,"failed":0,"modules":[{"module":"sync_correction","cases":[)"
                R"({"case":"drift at the tolerance holds","status":"pass"}]}]})")},
       {{"policy", "test", "--run", "no such case"}, "", refused("policy test", "no case matches --run \"no such case\"")},
+      {{"policy", "test", "--run", std::string(1001, 'x')}, "",
+       misused("policy test", "--run takes a pattern of at most 1000 bytes, got 1001")},
       {{"policy", "test", "--run", "("}, "",
-       misused("policy test", "--run \"(\" is not a regular expression: Mismatched '(' and ')' in regular expression")},
+       misused("policy test", "--run \"(\" is not a regular expression: U_REGEX_MISMATCHED_PAREN at character 2")},
       // Under a file: no directory can be made there, and nothing is left behind.
       {{"policy", "test", "--junit", (junit / "results.xml").string()}, "",
        refused("policy test", "could not write " + (junit / "results.xml").string() + ": Not a directory")},
@@ -268,6 +278,25 @@ TEST(RavoOrxPolicy, TestSelectsCasesAndWritesReportsForMachines) {
   replaceIn(manifest, R"("admin <may> & \"changes\"")", R"("bell\u0007 escape\u001b[31m tab\t")");
   EXPECT_EQ(run({"policy", "test", "--run", "bell", "--junit", junit.string(), manifest.string()}, "").status, 1);
   EXPECT_NE(fileText(junit).find("name=\"bell? escape?[31m tab&#9;\""), std::string::npos) << fileText(junit);
+}
+
+// --run searches on a matcher that neither recurses per character nor runs without end: a case name of
+// a megabyte is searched like any other, and a pattern that would backtrack past its limits is refused.
+TEST(RavoOrxPolicy, TestSearchesLongCaseNamesWithinLimits) {
+  const Scratch scratch("ravo-orx-long-name-");
+  fs::copy(kRoot / "policies/player_authz.wat", scratch.path);
+  const fs::path manifest = scratch.path / "player_authz.manifest.json";
+  fs::copy(kRoot / "policies/player_authz.manifest.json", manifest);
+  const std::string name(1 << 20, 'a');
+  replaceIn(manifest, "controller main-screen command is allowed", name);
+  const std::string subject = "\"player_authz/" + name.substr(0, 51) + "\u2026\"";
+  expectOutcomes({
+      {{"policy", "test", "--run", "a$", manifest.string()}, "", printed("1 passed, 0 failed")},
+      {{"policy", "test", "--run", "(a|aa)*c", manifest.string()}, "",
+       misused("policy test", "--run \"(a|aa)*c\" could not be searched for in " + subject + ": U_REGEX_STACK_OVERFLOW")},
+      {{"policy", "test", "--run", "(.*)*x", manifest.string()}, "",
+       misused("policy test", "--run \"(.*)*x\" could not be searched for in " + subject + ": U_REGEX_TIME_OUT")},
+  });
 }
 
 // A record the runtime refuses, explained by its rule; a second emission warned of; fuel and stack told.
@@ -374,6 +403,13 @@ TEST(RavoOrxPolicy, Eval) {
 
 TEST(RavoOrxPolicy, Check) {
   const Modules modules;
+  // One byte past the module host's 4 MiB, and past a manifest's 4 MiB: refused unread (sparse files).
+  const fs::path module = modules.scratch.path / "large.wasm", manifest = modules.scratch.path / "large.manifest.json";
+  for (const auto& large : {module, manifest}) {
+    std::ofstream(large).close();
+    fs::resize_file(large, (4u << 20) + 1);
+  }
+  const std::string pastLimit = ": file of 4194305 bytes exceeds the limit of 4194304";
   const std::string authz = "artifacts/player_authz.wasm";
   const std::string description =
       "module     " + authz +
@@ -411,6 +447,9 @@ TEST(RavoOrxPolicy, Check) {
                "Could not instantiate ORX module player_authz.manifest: CompileError: 0000004: error: bad magic value")},
       {{"policy", "check", authz, "/nonexistent.json"}, "",
        refused("policy check", "could not read /nonexistent.json: No such file or directory")},
+      {{"policy", "check", module.string()}, "", refused("policy check", "could not read " + module.string() + pastLimit)},
+      {{"policy", "check", authz, manifest.string()}, "",
+       refused("policy check", "could not read " + manifest.string() + pastLimit)},
   });
 }
 
@@ -460,6 +499,10 @@ TEST(RavoOrxPolicy, Bench) {
   expectOutcomes({
       {with({"policy", "bench", "--runs", "0", modules.trap(), "authz"}, kPlays), "",
        misused("policy bench", "--runs must be an integer from 1 to 101, got \"0\"")},
+      {with({"policy", "bench", modules.trap(), "authz"}, with(kPlays, {"--decisions=0"})), "",
+       misused("policy bench", "--decisions must be an integer from 1 to 100000000, got \"0\"")},
+      {with({"policy", "bench", "--decisions", "-1", modules.trap(), "authz"}, kPlays), "",
+       misused("policy bench", "--decisions must be an integer from 1 to 100000000, got \"-1\"")},
       {with({"policy", "bench", "policies/player_authz.manifest.json", "authz"}, kPlays), "",
        refused("policy bench", "Could not instantiate ORX module player_authz: CompileError: 0000004: error: bad magic value")},
   });

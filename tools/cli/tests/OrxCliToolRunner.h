@@ -5,9 +5,11 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -51,15 +53,20 @@ inline std::string fileText(const fs::path& path) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// Runs the built tool as its users do, with standard input, output and error redirected to files.
-// Standard output goes to `output` when one is named, and is then not read back. A `launcher` (an
-// absolute path and its arguments) runs the tool, e.g. as another user.
-inline Outcome run(Words arguments, const std::string& input, const fs::path& workingDirectory = kRoot,
-                   const fs::path& output = {}, const Words& launcher = {}) {
+// What a run of the tool cost: its wall time and the most memory it held at once.
+struct Cost {
+  double seconds = 0;
+  long peakMegabytes = 0;
+};
+
+// Runs the built tool with standard input read from `input` (a file, a FIFO or a device) and standard
+// error to a file; standard output goes to `output` when one is named, and is then not read back. A
+// `launcher` (an absolute path and its arguments) runs the tool, e.g. as another user.
+inline Outcome runWithInput(Words arguments, const fs::path& input, const fs::path& workingDirectory = kRoot,
+                            const fs::path& output = {}, Cost* cost = nullptr, const Words& launcher = {}) {
   const Scratch scratch("ravo-orx-run-");
-  const auto in = scratch.path / "in", err = scratch.path / "err";
+  const auto err = scratch.path / "err";
   const auto out = output.empty() ? scratch.path / "out" : output;
-  std::ofstream(in, std::ios::binary) << input;
   // The tool's path is put in front by building a new list: inserting it at the front makes g++ 12
   // warn falsely (-Warray-bounds) when this is inlined into some callers.
   Words command = launcher;
@@ -71,17 +78,32 @@ inline Outcome run(Words arguments, const std::string& input, const fs::path& wo
 
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, 0, input.c_str(), O_RDONLY, 0);
   posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   posix_spawn_file_actions_addchdir_np(&actions, workingDirectory.c_str());
+  const auto start = std::chrono::steady_clock::now();
   pid_t child = 0;
   const int spawned = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   int status = 0;
-  if (spawned != 0 || ::waitpid(child, &status, 0) != child) return {};
+  struct rusage usage {};
+  if (spawned != 0 || ::wait4(child, &status, 0, &usage) != child) return {};
+  if (cost) {
+    cost->seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    cost->peakMegabytes = usage.ru_maxrss / 1024;
+  }
   return {output.empty() ? fileText(out) : "", fileText(err),
           WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
+}
+
+// Runs the built tool as its users do, with standard input, output and error redirected to files.
+// Standard output goes to `output` when one is named, and is then not read back.
+inline Outcome run(Words arguments, const std::string& input, const fs::path& workingDirectory = kRoot,
+                   const fs::path& output = {}, const Words& launcher = {}) {
+  const Scratch scratch("ravo-orx-input-");
+  std::ofstream(scratch.path / "in", std::ios::binary) << input;
+  return runWithInput(std::move(arguments), scratch.path / "in", workingDirectory, output, nullptr, launcher);
 }
 
 struct Case {

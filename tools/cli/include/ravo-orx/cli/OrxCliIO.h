@@ -13,20 +13,26 @@
 
 namespace ravo::orx {
 
-// The most bytes a subcommand reads as one document. Every document subcommand holds its input and
-// more (canon about 2.6 times it), and a stream such as /dev/zero never ends: without a bound either
-// would take the machine's memory. 256 MiB is over ten times the largest graph or document we benchmark.
+// The most bytes a subcommand reads as one document (canon, digest, evidence, scenario). Every document
+// subcommand holds its input and more (canon about 2.6 times it), and a stream such as a pipe from
+// /dev/zero never ends: without a bound either would take the machine's memory. 256 MiB is over ten
+// times the largest graph or document we benchmark. Facts, manifests and modules have smaller limits of
+// their own.
 inline constexpr std::uint64_t kOrxCliInputByteLimit = std::uint64_t{256} << 20;
 
-// How messages name an input: the file, or "standard input" when no file is named or it is "-".
+// How messages name an input: the file, printable (ORXMessageText::printable: a carriage return in a
+// name shows as \r), or "standard input" when no file is named or it is "-".
 std::string orxCliInputName(const std::optional<std::string>& file);
 
+// Every input is read through OrxBoundedInput (ravo-orx/runtime/OrxArtifactFiles.h): a named file must
+// be a regular file within the limit, checked before a byte is read, so a FIFO, a device or a link to
+// /dev/zero is refused at once; standard input ("-", or no file) may be a pipe, and is refused one byte
+// past the limit. Each throws RuntimeError "could not read <name>: <reason>".
+
 // The bytes of `file`, or of standard input when no file is named or it is "-", exactly as they are.
-// Throws std::runtime_error "could not read <file>: <reason>", "could not read <file>: input exceeds
-// the limit of 268435456 bytes" past kOrxCliInputByteLimit.
-std::string orxCliReadInput(const std::optional<std::string>& file);
+std::string orxCliReadInput(const std::optional<std::string>& file, std::uint64_t byteLimit = kOrxCliInputByteLimit);
 // The same bytes handed to `consume` piece by piece as they are read, for commands that need not hold
-// a whole file (hashing one of gigabytes). Throws like orxCliReadInput.
+// a whole file (hashing one of gigabytes): no limit on the total.
 void orxCliReadInPieces(const std::optional<std::string>& file,
                         const std::function<void(std::string_view)>& consume);
 

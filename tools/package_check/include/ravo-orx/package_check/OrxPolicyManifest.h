@@ -4,12 +4,25 @@
 // and the table of cases, each with its facts and the five values the module must emit. The schema
 // (docs/POLICY-MANIFEST.md) is strict: one table of keys per object in OrxPolicyManifest.cpp.
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace ravo::orx {
+
+// The largest manifest read, checked before a byte of it is read. The bundled manifests are a few KiB;
+// 10,000 cases of the cinema decision's 13 facts fit in about 1.5 MiB.
+inline constexpr std::size_t kOrxPolicyManifestByteLimit = 4u << 20;
+// The most cases one manifest holds. Each runs three times per run (the runtime's own decision, the
+// raw call and a measured one), so the count bounds a manifest's cost; a real policy's table is a few
+// dozen cases.
+inline constexpr std::size_t kOrxPolicyManifestCaseLimit = 10'000;
+// The most items of any other list (imports, fact names, a case's facts and emitted values). Each must
+// equal a list of the module or its decision: at most 13 facts, 5 values, and the module host's 100
+// imports.
+inline constexpr std::size_t kOrxPolicyManifestListLimit = 100;
 
 struct OrxPolicyCase {
   std::string name;
@@ -30,8 +43,11 @@ struct OrxPolicyManifest {
   // Reads the manifest with the project's bounded JSON reader and holds it to the schema and to its
   // decision kind (module, ABI lanes, emit tag, fact names). Throws std::runtime_error "<name>: <what>"
   // naming the key (and the case) at fault: not JSON, an unknown or missing key, a value of the wrong
-  // type or a number outside 32 bits, a lane, tag or fact list that differs from the kind's, no cases,
-  // a case name given twice, or a case with the wrong count of facts or emitted values.
+  // type or a number outside 32 bits, a lane, tag or fact list that differs from the kind's, no cases
+  // or more than kOrxPolicyManifestCaseLimit, a longer list than kOrxPolicyManifestListLimit, a case
+  // name given twice, or a case with the wrong count of facts or emitted values. An unknown key, a
+  // value of the wrong type and an item past a limit are refused as they are read, before anything of
+  // them is built.
   static OrxPolicyManifest decode(std::span<const std::uint8_t> json, const std::string& name);
 };
 

@@ -15,6 +15,7 @@
 #include <limits>
 #include <map>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -212,5 +213,31 @@ inline constexpr std::size_t ravoJSONMaximumDepth = 512;
 // Parses text as JSON in time linear in its length, turning a syntax error or nesting deeper than
 // ravoJSONMaximumDepth into RavoJSONDecodingError ("malformed JSON: ...").
 RavoJSON parseRavoJSON(std::string_view text);
+
+// One step from a document's root towards a value: an object member's key, or an array element's index.
+struct RavoJSONStep {
+  std::string_view key;              // the member's key; empty for an element
+  std::optional<std::size_t> index;  // the element's index; nothing for a member
+};
+using RavoJSONPath = std::span<const RavoJSONStep>;
+
+// What a reader of documents of one fixed shape (the tools' facts and manifests) refuses, told as the
+// document is read: parseRavoJSON asks it about every key and value before it takes or builds them, so
+// an unknown key's value, or a million strings where a number belongs, is refused unbuilt. A refusal
+// is whatever the filter throws. It may be asked twice about the start of a text that turns out to be
+// malformed further on (the text is then read a second time), so it keeps no state of its own.
+class RavoJSONFilter {
+ public:
+  virtual ~RavoJSONFilter() = default;
+  // A key of the object at `object`, before its value is read.
+  virtual void key(RavoJSONPath object, std::string_view key) const = 0;
+  // The value at `path` before it is stored: a scalar as read, or an empty array or object about to be
+  // filled. `numberText` is the text of a number that is no 64-bit integer (a fraction, an exponent or
+  // too many digits) as written, and empty for anything else.
+  virtual void value(RavoJSONPath path, const RavoJSON& value, std::string_view numberText) const = 0;
+};
+
+// parseRavoJSON, asking `filter` about each key and value as it is read.
+RavoJSON parseRavoJSON(std::string_view text, const RavoJSONFilter& filter);
 
 }  // namespace ravo::orx

@@ -171,8 +171,8 @@ class RavoWellFormedJSONReader {
       return std::from_chars(first, last, value).ec == std::errc() && handler_.number_unsigned(value);
     }
     RavoJSON::number_float_t value = 0;
-    RavoJSON::string_t noText;
-    return std::from_chars(first, last, value).ec == std::errc() && handler_.number_float(value, noText);
+    const RavoJSON::string_t text(first, last);  // as nlohmann's parser hands it on
+    return std::from_chars(first, last, value).ec == std::errc() && handler_.number_float(value, text);
   }
 
   std::string_view text_;
