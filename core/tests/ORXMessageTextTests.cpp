@@ -27,6 +27,7 @@ TEST(ORXMessageText, PrintableEscapesControlBytesAndBytesOutsideUTF8) {
       {"an encoded surrogate", "\xED\xA0\x80", "\\xED\\xA0\\x80"},
       {"beyond U+10FFFF", "\xF4\x90\x80\x80", "\\xF4\\x90\\x80\\x80"},
       {"the backslash stays", "a\\b", "a\\b"},
+      {"a C1 control (CSI) and the first character after them", "a\xC2\x9B" "31m\xC2\xA0", "a\\xC2\\x9B31m\xC2\xA0"},
   };
   for (const auto& row : rows) EXPECT_EQ(ORXMessageText::printable(row.text), row.expected) << row.name;
 }

@@ -24,7 +24,7 @@ TEST(OrxQuotedText, EscapesControlsAndMalformedBytesAndCutsAtACharacter) {
   const Case cases[] = {
       {"printable text", "output.emit", 256, "output.emit"},
       {"an ANSI colour sequence", "\x1B[31mred", 256, "\\x1B[31mred"},
-      {"line breaks, a tab and NUL", std::string("a\nb\rc\td\0e", 9), 256, "a\\x0Ab\\x0Dc\\x09d\\x00e"},
+      {"line breaks, a tab and NUL", std::string("a\nb\rc\td\0e", 9), 256, "a\\nb\\rc\\td\\x00e"},
       {"DEL", "a\x7F", 256, "a\\x7F"},
       {"a C1 control (CSI)", "a\xC2\x9B" "31m", 256, "a\\xC2\\x9B31m"},
       {"the first character after the C1 controls", "\xC2\xA0", 256, "\xC2\xA0"},
