@@ -71,7 +71,7 @@ class CanonicalTextWriter {
     out_.push_back('{');
     open_.push_back(OpenContainer{.isObject = true, .firstMember = memberStarts_.size(), .lastKey = {}});
   }
-  void key(std::string_view bytes, bool asWritten) {
+  void key(std::string_view bytes, bool asWritten, std::size_t /*at*/) {
     OpenContainer& object = open_.back();
     if (!object.empty) out_.push_back(',');
     if (!object.empty && !(object.lastKey < bytes)) object.ascending = false;
@@ -81,7 +81,7 @@ class CanonicalTextWriter {
     appendString(bytes, asWritten);
     out_.push_back(':');
   }
-  void endObject() {
+  void endObject(std::size_t /*end*/) {
     if (!open_.back().ascending) putMembersInOrder(open_.back().firstMember);
     memberStarts_.resize(open_.back().firstMember);
     out_.push_back('}');

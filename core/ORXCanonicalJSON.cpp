@@ -26,8 +26,8 @@ class ValueBuilder {
     place(ORXCanonicalValue::array(std::move(elements)));
   }
   void beginObject() { open_.push_back(OpenContainer{.isObject = true, .elements = {}, .fields = {}, .key = {}}); }
-  void key(std::string_view bytes, bool /*asWritten*/) { open_.back().key.assign(bytes); }
-  void endObject() {
+  void key(std::string_view bytes, bool /*asWritten*/, std::size_t /*at*/) { open_.back().key.assign(bytes); }
+  void endObject(std::size_t /*end*/) {
     ORXCanonicalObject::Fields fields = std::move(open_.back().fields);
     open_.pop_back();
     place(ORXCanonicalValue::object(std::move(fields)));
