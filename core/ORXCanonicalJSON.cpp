@@ -1,7 +1,6 @@
 #include <ravo-orx/core/ORXCanonicalJSON.h>
 
 #include <optional>
-#include <span>
 #include <utility>
 #include <vector>
 
@@ -21,6 +20,9 @@ namespace {
 // and each list is allocated once, at its size, leaving no holes behind.
 class ValueBuilder {
  public:
+  // Lists smaller than this are always copied out: the stack keeps its room for the next container.
+  static constexpr std::size_t kHandOverBytes = 64 * 1024;
+
   void string(std::string_view bytes, bool /*asWritten*/) { place(ORXCanonicalValue::string(std::string(bytes))); }
   void integer(std::int64_t value) { place(ORXCanonicalValue::integer(value)); }
   void boolean(bool value) { place(ORXCanonicalValue::boolean(value)); }
@@ -44,23 +46,13 @@ class ValueBuilder {
   // The members of the innermost open container, which closes.
   template <class Member>
   ORXCompactVector<Member> takeMembers(ORXCompactVector<Member>& pending) {
-    const auto first = static_cast<std::ptrdiff_t>(open_.back().firstMember);
+    const std::size_t first = open_.back().firstMember;
     open_.pop_back();
-    const auto count = static_cast<std::ptrdiff_t>(pending.size()) - first;
-    ORXCompactVector<Member> members;
-    if (count <= first) {
-      members.reserve(static_cast<std::size_t>(count));
-      for (auto& member : std::span(pending.begin() + first, pending.end())) members.push_back(std::move(member));
-      pending.erase(pending.begin() + first, pending.end());
-      return members;
-    }
-    ORXCompactVector<Member> below;
-    below.reserve(static_cast<std::size_t>(first));
-    for (auto& member : std::span(pending.begin(), pending.begin() + first)) below.push_back(std::move(member));
-    pending.erase(pending.begin(), pending.begin() + first);
+    const std::size_t count = pending.size() - first;
+    if (count <= first || count * sizeof(Member) < kHandOverBytes) return pending.extract(first, pending.size());
+    ORXCompactVector<Member> below = pending.extract(0, first);
     pending.shrink_to_fit();
-    members = std::exchange(pending, std::move(below));
-    return members;
+    return std::exchange(pending, std::move(below));
   }
 
   void place(ORXCanonicalValue value) {

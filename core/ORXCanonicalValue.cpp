@@ -103,7 +103,7 @@ bool operator==(const ORXCanonicalObject& a, const ORXCanonicalObject& b) { retu
 ORXCanonicalValue ORXCanonicalValue::string(std::string text) {
   if (!ORXValidation::isValidUTF8(text)) throw notUTF8();
   ORXCanonicalValue value(Kind::string);
-  value.string_ = sharedString(text);
+  value.string_ = text.size() <= 1 ? sharedString(text) : nullptr;
   value.sharedString_ = value.string_ != nullptr;
   if (!value.sharedString_) value.string_ = new std::string(std::move(text));
   return value;
@@ -163,59 +163,12 @@ ORXCanonicalValue::ORXCanonicalValue(const ORXCanonicalValue& other)
   }
 }
 
-// A string moved from keeps a shared empty string, so that only one of the two owns the text.
-ORXCanonicalValue::ORXCanonicalValue(ORXCanonicalValue&& other) noexcept
-    : integer_(0), kind_(other.kind_), sharedString_(other.sharedString_), depth_(other.depth_) {
-  switch (kind_) {
-    case Kind::string:
-      string_ = std::exchange(other.string_, sharedString({}));
-      other.sharedString_ = true;
-      return;
-    case Kind::boolean:
-      boolean_ = other.boolean_;
-      return;
-    case Kind::integer:
-      integer_ = other.integer_;
-      return;
-    case Kind::array:
-      ::new (static_cast<void*>(&array_)) Array(std::move(other.array_));
-      return;
-    case Kind::object:
-      ::new (static_cast<void*>(&object_)) ORXCanonicalObject(std::move(other.object_));
-      return;
-  }
-}
-
 ORXCanonicalValue& ORXCanonicalValue::operator=(const ORXCanonicalValue& other) {
   if (this != &other) *this = ORXCanonicalValue(other);
   return *this;
 }
 
-// `other` may live inside this value, so it is moved out before this value is destroyed.
-ORXCanonicalValue& ORXCanonicalValue::operator=(ORXCanonicalValue&& other) noexcept {
-  if (this == &other) return *this;
-  ORXCanonicalValue taken(std::move(other));
-  this->~ORXCanonicalValue();
-  ::new (static_cast<void*>(this)) ORXCanonicalValue(std::move(taken));
-  return *this;
-}
-
-ORXCanonicalValue::~ORXCanonicalValue() {
-  switch (kind_) {
-    case Kind::string:
-      if (!sharedString_) delete string_;
-      return;
-    case Kind::array:
-      array_.~Array();
-      return;
-    case Kind::object:
-      object_.~ORXCanonicalObject();
-      return;
-    case Kind::boolean:
-    case Kind::integer:
-      return;
-  }
-}
+const std::string* ORXCanonicalValue::emptyString() { return sharedString({}); }
 
 bool ORXCanonicalValue::equals(const ORXCanonicalValue& other) const {
   if (kind_ != other.kind_) return false;

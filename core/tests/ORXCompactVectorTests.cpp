@@ -48,6 +48,16 @@ void expectEditsAsStdVector(const std::vector<T>& samples) {
   compact.erase(compact.end() - 3, compact.end());
   reference.erase(reference.end() - 3, reference.end());
   expectSame("erase at the end");
+  const struct {
+    std::size_t from, to;
+  } extractions[] = {{4, 4}, {2, 6}, {0, 3}, {compact.size() - 10, compact.size() - 8}, {compact.size() - 16, compact.size() - 13}};
+  for (const auto& e : extractions) {
+    const ORXCompactVector<T> taken = compact.extract(e.from, e.to);
+    EXPECT_TRUE(std::equal(taken.begin(), taken.end(), reference.begin() + e.from, reference.begin() + e.to));
+    EXPECT_EQ(taken.capacity(), e.to - e.from);
+    reference.erase(reference.begin() + e.from, reference.begin() + e.to);
+    expectSame("extract");
+  }
   compact.shrink_to_fit();
   EXPECT_EQ(compact.capacity(), compact.size());
   expectSame("shrink_to_fit");

@@ -16,6 +16,7 @@
 // ORXCanonicalObject and ORXCanonicalValue are defined together because each contains the other.
 
 #include <cstdint>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -75,10 +76,53 @@ class RAVO_ORX_API ORXCanonicalValue {
   static ORXCanonicalValue object(ORXCanonicalObject::Fields fields);
 
   ORXCanonicalValue(const ORXCanonicalValue& other);
-  ORXCanonicalValue(ORXCanonicalValue&& other) noexcept;
+  // A string moved from keeps the shared empty string, so that only one of the two owns the text.
+  ORXCanonicalValue(ORXCanonicalValue&& other) noexcept
+      : integer_(0), kind_(other.kind_), sharedString_(other.sharedString_), depth_(other.depth_) {
+    switch (kind_) {
+      case Kind::string:
+        string_ = std::exchange(other.string_, emptyString());
+        other.sharedString_ = true;
+        return;
+      case Kind::boolean:
+        boolean_ = other.boolean_;
+        return;
+      case Kind::integer:
+        integer_ = other.integer_;
+        return;
+      case Kind::array:
+        ::new (static_cast<void*>(&array_)) Array(std::move(other.array_));
+        return;
+      case Kind::object:
+        ::new (static_cast<void*>(&object_)) ORXCanonicalObject(std::move(other.object_));
+        return;
+    }
+  }
   ORXCanonicalValue& operator=(const ORXCanonicalValue& other);
-  ORXCanonicalValue& operator=(ORXCanonicalValue&& other) noexcept;
-  ~ORXCanonicalValue();
+  // `other` may live inside this value, so it is moved out before this value is destroyed.
+  ORXCanonicalValue& operator=(ORXCanonicalValue&& other) noexcept {
+    if (this == &other) return *this;
+    ORXCanonicalValue taken(std::move(other));
+    this->~ORXCanonicalValue();
+    ::new (static_cast<void*>(this)) ORXCanonicalValue(std::move(taken));
+    return *this;
+  }
+  ~ORXCanonicalValue() {
+    switch (kind_) {
+      case Kind::string:
+        if (!sharedString_) delete string_;
+        return;
+      case Kind::array:
+        array_.~Array();
+        return;
+      case Kind::object:
+        object_.~ORXCanonicalObject();
+        return;
+      case Kind::boolean:
+      case Kind::integer:
+        return;
+    }
+  }
 
   Kind kind() const { return kind_; }
   // Each accessor yields the payload when the value is of that kind, else nothing.
@@ -102,6 +146,7 @@ class RAVO_ORX_API ORXCanonicalValue {
  private:
   explicit ORXCanonicalValue(Kind kind) : integer_(0), kind_(kind) {}
   bool equals(const ORXCanonicalValue& other) const;
+  static const std::string* emptyString();
 
   union {
     const std::string* string_;  // owned unless sharedString_

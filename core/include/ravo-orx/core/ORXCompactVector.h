@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <initializer_list>
 #include <iterator>
 #include <limits>
@@ -112,8 +113,26 @@ class ORXCompactVector {
     if (first == last) return gap;
     T* const end = std::move(gap + (last - first), this->end(), gap);
     for (T* item = end; item != this->end(); ++item) item->~T();
-    if (block_) block_->size = static_cast<std::uint32_t>(end - begin());
+    block_->size = static_cast<std::uint32_t>(end - begin());
     return gap;
+  }
+  // Removes the elements [first, last) and returns them in a list of exactly their number: their bytes
+  // copied at once when they may move by their bytes.
+  ORXCompactVector extract(size_type first, size_type last) {
+    ORXCompactVector taken;
+    if (first == last) return taken;
+    taken.reserve(last - first);
+    if constexpr (kORXRelocatableByBytes<T>) {
+      std::memcpy(static_cast<void*>(taken.data()), static_cast<const void*>(data() + first), (last - first) * sizeof(T));
+      std::memmove(static_cast<void*>(data() + first), static_cast<const void*>(data() + last),
+                   (size() - last) * sizeof(T));
+      taken.block_->size = static_cast<std::uint32_t>(last - first);
+      block_->size -= static_cast<std::uint32_t>(last - first);
+    } else {
+      for (T* item = begin() + first; item != begin() + last; ++item) taken.place(std::move(*item));
+      erase(begin() + first, begin() + last);
+    }
+    return taken;
   }
 
   friend bool operator==(const ORXCompactVector& a, const ORXCompactVector& b) {
