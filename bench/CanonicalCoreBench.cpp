@@ -1,9 +1,12 @@
 // Canonical core costs: parsing, serializing and domain-digesting a typical host-contract record of about
 // 2 KB, canonicalizing a document of about 1 MB of such records (written with spaces and every object's
-// keys in reverse order) with and without building its value, and SHA-256 throughput on 1 MB.
+// keys in reverse order) with and without building its value, canonicalizing and parsing one 8 MiB
+// object of short keys in reverse order (the hostile shape: every member out of order, read again in
+// key order), and SHA-256 throughput on 1 MB.
 //
 //   orx_canonical_core_bench --benchmark_filter=BM_DomainDigestRecord    the 2 KB record's domain digest
 //   orx_canonical_core_bench --benchmark_filter=Document                 canon's work per byte
+//   orx_canonical_core_bench --benchmark_filter=ReversedObject           one large object out of order
 
 #include <benchmark/benchmark.h>
 
@@ -14,6 +17,7 @@
 #include <ravo-orx/core/ORXDigest.h>
 #include <ravo-orx/core/ORXSHA256.h>
 #include <ravo-orx/core/ORXTypedValue.h>
+#include "limits/HostileInputs.h"
 
 namespace ravo::orx {
 
@@ -125,6 +129,23 @@ void BM_ParseAndSerializeDocument(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(document.size()));
 }
 BENCHMARK(BM_ParseAndSerializeDocument)->Unit(benchmark::kMillisecond);
+
+const std::string& reversedObject() {
+  static const std::string text = hostile_inputs::objectOfShortKeys(8u << 20, true);
+  return text;
+}
+
+void BM_CanonicalizeReversedObject(benchmark::State& state) {
+  for (auto _ : state) benchmark::DoNotOptimize(ORXCanonicalJSON::canonicalize(reversedObject()));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(reversedObject().size()));
+}
+BENCHMARK(BM_CanonicalizeReversedObject)->Unit(benchmark::kMillisecond);
+
+void BM_ParseReversedObject(benchmark::State& state) {
+  for (auto _ : state) benchmark::DoNotOptimize(ORXCanonicalJSON::parse(reversedObject()));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(reversedObject().size()));
+}
+BENCHMARK(BM_ParseReversedObject)->Unit(benchmark::kMillisecond);
 
 void BM_SHA256OneMegabyte(benchmark::State& state) {
   const std::vector<std::uint8_t> data(1 << 20, 0x5a);

@@ -19,8 +19,8 @@ class TreeSink {
   void beginArray() { open_.push_back(&place(ORXJSONDocument::Kind::array)); }
   void beginObject() { open_.push_back(&place(ORXJSONDocument::Kind::object)); }
   void endArray() { open_.pop_back(); }
-  void endObject() { open_.pop_back(); }
-  void key(std::string_view bytes, bool) { key_ = bytes; }
+  void endObject(std::size_t) { open_.pop_back(); }
+  void key(std::string_view bytes, bool, std::size_t) { key_ = bytes; }
 
  private:
   ORXJSONDocument& place(ORXJSONDocument::Kind kind) {

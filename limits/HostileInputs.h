@@ -2,6 +2,7 @@
 // Oversized and deeply nested inputs for the limits suite and the scaling benchmark: documents of a
 // given size in bytes, nesting of a given depth, and objects with a given number of members.
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 
@@ -83,6 +84,63 @@ inline std::string arrayOfRecords(std::size_t bytes) {
     text += "{\"level\":" + std::to_string(i % 1000) + ",\"name\":\"device " + std::to_string(i) + "\",\"on\":true}";
   }
   return text + "]";
+}
+
+// {"0000":0,"0001":0,…}: members of four-character keys (digits, then capitals, then small letters: in
+// code-point order), as many as fit in `bytes`, nine bytes each. Canonical as written unless
+// `descending`, which writes the same members in reverse: one object whose every key arrives out of
+// order.
+inline std::string objectOfShortKeys(std::size_t bytes, bool descending) {
+  static constexpr char kDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+  constexpr std::size_t kBase = sizeof kDigits - 1;
+  const std::size_t members = std::min((bytes - 1) / 9, kBase * kBase * kBase * kBase);
+  std::string text;
+  text.reserve(members * 9 + 2);
+  text += '{';
+  for (std::size_t i = 0; i < members; ++i) {
+    const std::size_t key = descending ? members - 1 - i : i;
+    text += i > 0 ? ",\"" : "\"";
+    for (std::size_t digit = kBase * kBase * kBase; digit > 0; digit /= kBase) text += kDigits[key / digit % kBase];
+    text += "\":0";
+  }
+  text += '}';
+  return text;
+}
+
+// Appends `element` repeated, comma-separated, in an array of about `bytes` (at least one element).
+inline void appendArrayOf(std::string& text, const std::string& element, std::size_t bytes) {
+  const std::size_t count = std::max<std::size_t>(1, bytes / (element.size() + 1));
+  text.reserve(text.size() + count * (element.size() + 1) + 2);
+  text += '[';
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i > 0) text += ',';
+    text += element;
+  }
+  text += ']';
+}
+
+inline std::string arrayOf(const std::string& element, std::size_t bytes) {
+  std::string text;
+  appendArrayOf(text, element, bytes);
+  return text;
+}
+
+// `levels` objects around what `appendInner(text)` appends (some `innerBytes` long):
+// {"b":{"b":…inner…,"a":1},"a":0}, each writing the enclosed value under "b" before its level under
+// "a", out of order; with `canonical`, "a" first. Written into one string, so that a large document
+// is never held twice while it is made.
+template <class AppendInner>
+std::string objectsAround(std::size_t levels, bool canonical, std::size_t innerBytes, AppendInner appendInner) {
+  std::string text;
+  text.reserve(innerBytes + levels * 32);
+  for (std::size_t level = 0; level < levels; ++level) {
+    text += canonical ? "{\"a\":" + std::to_string(level) + ",\"b\":" : "{\"b\":";
+  }
+  appendInner(text);
+  for (std::size_t level = levels; level-- > 0;) {
+    text += canonical ? "}" : ",\"a\":" + std::to_string(level) + "}";
+  }
+  return text;
 }
 
 }  // namespace hostile_inputs

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <ravo-orx/core/ORXCanonicalJSON.h>
 #include "core/tests/ORXTestSupport.h"
@@ -40,9 +43,105 @@ TEST(ORXCanonicalJSONCanonicalize, WritesTheCanonicalTextOfAnyValidDocument) {
   EXPECT_TRUE(canonical.ends_with(",\"k1099\":99}")) << canonical;
 }
 
+// Past the 64 KiB that objects are put in order in place within.
+constexpr std::size_t kLargePadding = 70'000;
+
+// An object of `members` in the order given, compact or with spaces around every member; `padding`
+// bytes of one more member make it span more than the 64 KiB put in order in place.
+std::string objectText(const std::vector<std::string>& members, std::size_t padding, bool spaced) {
+  const std::string comma = spaced ? " , " : ",";
+  std::string text = spaced ? "{ " : "{";
+  for (std::size_t i = 0; i < members.size(); ++i) text += (i > 0 ? comma : "") + members[i];
+  if (padding > 0) text += comma + "\"~padding\":\"" + std::string(padding, 'p') + "\"";
+  return text + (spaced ? " }" : "}");
+}
+
+// `inner` inside out-of-order objects, innermost first: 's' a small one, 'l' one that passes 64 KiB at
+// its last member, 'e' one that has passed it before `inner` begins; or 'a' in an array after small
+// objects, one in order and one not.
+std::string wrapped(std::string inner, std::string_view wrappers, bool spaced) {
+  for (char wrapper : wrappers) {
+    if (wrapper == 'a') {
+      inner = R"([{"p":1,"q":2},{"q":1,"p":2},)" + inner + "]";
+      continue;
+    }
+    std::vector<std::string> members = {"\"w\":" + inner, "\"v\":0"};
+    if (wrapper == 'e') members.insert(members.begin(), "\"x\":\"" + std::string(kLargePadding, 'x') + "\"");
+    inner = objectText(members, wrapper == 'l' ? kLargePadding : 0, spaced);
+  }
+  return inner;
+}
+
+// Small objects are put in order in place and larger ones read again in key order; alone or nested in
+// either kind, written compactly or with spaces, each canonicalizes to the text its parsed value
+// serializes to (sorted there by a separate comparison of the decoded keys).
+TEST(ORXCanonicalJSONCanonicalize, ReordersObjectsAsTheValueTreeDoes) {
+  const std::vector<std::vector<std::string>> memberSets = {
+      // Keys that differ only after an escape.
+      {R"("ab\u0063":1)", R"("abb":2)", R"("a\u0062d":3)", R"("ab":4)", R"("a\u0062\u0062a":5)", R"("\u0061":6)"},
+      // Equal prefixes, a NUL, a byte above ASCII, the empty key.
+      {R"("key":1)", R"("k":2)", R"("key\u0000":3)", R"("keyA":4)", R"("ke":5)", "\"key\xc3\xa9\":6", R"("":7)"},
+      // Code-point order, not UTF-16 order; escapes that stay escaped.
+      {R"("\ud83d\ude00":1)", R"("\uff61":2)", R"("z":3)", "\"\xc3\xa9\":4", R"("\u007f":5)", R"("\t":6)", R"("\"":7)"},
+      // Values of every kind, containers holding out-of-order objects of their own.
+      {R"("s":"t\u0065xt")", R"("n":-0)", R"("t":true)", R"("f":false)", R"("a":[{"y":1,"x":{"d":0,"c":1}},[]])",
+       R"("o":{"q":{"b":1,"a":0},"p":[]})"},
+  };
+  const std::string_view wrappings[] = {"", "s", "l", "e", "a", "sl", "ls", "se", "es", "la", "sls", "lll", "ses", "lal"};
+  for (const auto& members : memberSets) {
+    for (int order = 0; order < 3; ++order) {
+      std::vector<std::string> written = members;
+      if (order == 1) std::reverse(written.begin(), written.end());
+      if (order == 2) std::rotate(written.begin(), written.begin() + 1, written.end());
+      for (std::size_t padding : {std::size_t{0}, kLargePadding}) {
+        for (bool spaced : {false, true}) {
+          for (std::string_view wrappers : wrappings) {
+            const std::string text = wrapped(objectText(written, padding, spaced), wrappers, spaced);
+            EXPECT_EQ(ORXCanonicalJSON::canonicalize(text), ORXCanonicalJSON::parse(text).canonicalString())
+                << text.substr(0, 200) << " (padding " << padding << ", wrapped " << wrappers << ")";
+          }
+        }
+      }
+    }
+  }
+}
+
+// A repeated key is refused in objects of every size and nesting, naming the first repeat in the order
+// written, as the parser names it; so is a later error in a document that was to be read again.
+TEST(ORXCanonicalJSONCanonicalize, RefusesRepeatedKeysInObjectsOfEverySize) {
+  const std::string repeats = "orx.v051.collection_duplicate: canonical object repeats key ";
+  struct Case {
+    std::vector<std::string> members;
+    std::string key;
+  };
+  const Case cases[] = {
+      {{R"("b":1)", R"("a":2)", R"("b":3)"}, "b"},
+      {{R"("\u0061":1)", R"("b":0)", R"("a":2)"}, "a"},
+      {{R"("b":1)", R"("a":2)", R"("a":3)", R"("b":4)"}, "a"},
+      {{R"("a":1)", R"("\u0061":2)"}, "a"},
+      {{R"("c":0)", R"("b":1)", R"("b":2)"}, "b"},
+      {{R"("z":0)", R"("k\n":1)", R"("k\u000a":2)"}, "k\n"},
+      {{R"("c":0)", R"("b":{"y":1,"x":2,"y":3})", R"("a":0)"}, "y"},
+  };
+  for (const auto& c : cases) {
+    for (std::size_t padding : {std::size_t{0}, kLargePadding}) {
+      for (std::string_view wrappers : {"", "s", "l", "e", "ls"}) {
+        const std::string text = wrapped(objectText(c.members, padding, false), wrappers, false);
+        const std::string error = repeats + "'" + c.key + "'";
+        EXPECT_TRUE(orxThrows([&] { ORXCanonicalJSON::canonicalize(text); }, error)) << text.substr(0, 100);
+        EXPECT_TRUE(orxThrows([&] { ORXCanonicalJSON::parse(text); }, error)) << text.substr(0, 100);
+      }
+    }
+  }
+  // Past a large object out of order, the first reading still checks every later byte.
+  const std::string large = objectText({R"("b":1)", R"("a":2)"}, kLargePadding, false);
+  EXPECT_TRUE(orxThrows([&] { ORXCanonicalJSON::canonicalize("[" + large + R"(,{"q":1,"q":2}])"); }, repeats + "'q'"));
+  EXPECT_TRUE(orxThrows([&] { ORXCanonicalJSON::canonicalize("[" + large + ",1.5]"); },
+                        "orx.v051.parse_invalid: floating JSON numbers are not canonical ORX values"));
+}
+
 TEST(ORXCanonicalJSONCanonicalize, NestedObjectsOutOfOrderAroundALargeMember) {
-  // Every level closes out of order and moves the large member again, until the budget of moved bytes
-  // sends the document through its value; the text is the same either way.
+  // Every level closes out of order around a member past 64 KiB: read again, each level in key order.
   const std::string large(1 << 20, 'x');
   std::string text = "\"" + large + "\"";
   std::string canonical = text;

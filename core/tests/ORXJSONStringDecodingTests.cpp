@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include <ravo-orx/core/ORXCanonicalJSON.h>
 #include <ravo-orx/core/ORXJSONStringDecoding.h>
 
 namespace ravo::orx {
@@ -32,6 +33,49 @@ TEST(ORXJSONStringDecoding, PlainRunsEndAtTheFirstSpecialByte) {
       }
       const std::string plain(kSize, static_cast<char>(filler));
       EXPECT_EQ(ORXJSONStringDecoding::plainRunEnd(plain.data(), plain.size(), 0), kSize) << int(filler);
+    }
+  }
+}
+
+// Literals compare as the bytes they decode to, whatever their escapes, checked against the parser's
+// own decoding compared as std::string; and decode to those bytes.
+TEST(ORXJSONStringDecoding, LiteralsCompareAsTheBytesTheyDecodeTo) {
+  const std::string literals[] = {
+      R"("")",
+      R"("a")",
+      R"("\u0061")",
+      R"("b")",
+      R"("ab")",
+      R"("a\u0062")",
+      R"("\u0061b")",
+      R"("abcdefghijklmnopqrstuvwxyz")",
+      R"("abcdefghijklmnop\u0071rstuvwxyz")",
+      R"("abcdefghijklmnopqrstuvwxy")",
+      R"("abcdefghijklmnopqrstuvwxz")",
+      R"("\n")",
+      R"("\u000a")",
+      R"("\u0000")",
+      R"("\u0000\u0000")",
+      R"("\u0001")",
+      R"("/")",
+      R"("\/")",
+      R"("\"")",
+      R"("\\")",
+      "\"\xc3\xa9\"",
+      R"("\u00e9")",
+      R"("\uff61")",
+      "\"\xf0\x9f\x98\x80\"",
+      R"("\ud83d\ude00")",
+      R"("z")",
+  };
+  const auto decoded = [](const std::string& literal) { return *ORXCanonicalJSON::parse(literal).asString(); };
+  const auto sign = [](int order) { return (order > 0) - (order < 0); };
+  for (const auto& a : literals) {
+    EXPECT_EQ(ORXJSONStringDecoding::decodedString(a, 0), decoded(a)) << a;
+    for (const auto& b : literals) {
+      const std::string text = a + b;
+      EXPECT_EQ(sign(ORXJSONStringDecoding::compareDecoded(text, 0, a.size())), sign(decoded(a).compare(decoded(b))))
+          << a << " vs " << b;
     }
   }
 }

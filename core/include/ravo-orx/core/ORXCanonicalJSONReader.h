@@ -4,11 +4,20 @@
 // position and reports what it reads to a sink:
 //
 //   string(std::string_view bytes, bool asWritten), integer(std::int64_t), boolean(bool),
-//   beginArray(), endArray(), beginObject(), key(std::string_view bytes, bool asWritten), endObject()
+//   beginArray(), endArray(), beginObject(), key(std::string_view bytes, bool asWritten, std::size_t at),
+//   endObject(std::size_t end)
 //
 // `asWritten` says that the string had no escape in the input: its bytes are then a view of the input
 // between the string's own quotes, and already its canonical text, since a quote, a backslash or a
-// control byte can only appear escaped in valid input.
+// control byte can only appear escaped in valid input. `at` is the offset of a key's opening quote and
+// `end` the offset just past an object's closing brace, for the canonicalizer, which finds members and
+// measures objects by them.
+//
+// A sink may also answer memberOrder(std::size_t firstKey), asked once an object's first key is
+// reached: a range of the offsets of the object's keys, in the order its members are to be read, or an
+// empty range to read them as written. The canonicalizer reads a document a second time this way, its
+// large objects' members in key order; the document was read whole before, so jumping between them
+// meets no error.
 //
 // Every refusal is an ORXError::parse thrown where it is detected, so both users fail alike and at the
 // same byte; a sink may throw too (a repeated key, at the object's end).
@@ -17,6 +26,7 @@
 // number RFC 8259 allows, handed to the sink as null() and number(std::string_view text). It serves the
 // documents that are JSON but not canonical ORX values, such as the Orx build's evidence.json.
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <string>
@@ -143,23 +153,49 @@ class Reader {
     skipWhitespace();
     if (!atEnd() && peek() == '}') {
       ++position_;
-      --depth_;
-      return sink_.endObject();
+      return closeObject();
+    }
+    if constexpr (requires { sink_.memberOrder(position_); }) {
+      if (const auto order = sink_.memberOrder(position_); !order.empty()) return readMembersInOrder(order);
     }
     while (!atEnd() && peek() == '"') {
-      readString([this](std::string_view bytes, bool asWritten) { sink_.key(bytes, asWritten); });
-      expect(':');
-      readValue();
+      readMember();
       skipWhitespace();
       if (!atEnd() && peek() == '}') {
         ++position_;
-        --depth_;
-        return sink_.endObject();
+        return closeObject();
       }
       expect(',');
       skipWhitespace();
     }
     fail("object key must be a JSON string");
+  }
+
+  void readMember() {
+    const std::size_t at = position_;
+    readString([this, at](std::string_view bytes, bool asWritten) { sink_.key(bytes, asWritten, at); });
+    expect(':');
+    readValue();
+  }
+
+  // The members at the given key offsets, in that order; the object ends after the last one written.
+  template <class Offsets>
+  void readMembersInOrder(const Offsets& keyOffsets) {
+    std::size_t membersEnd = position_;
+    for (const auto at : keyOffsets) {
+      position_ = at;
+      readMember();
+      membersEnd = std::max(membersEnd, position_);
+    }
+    position_ = membersEnd;
+    expect('}');
+    closeObject();
+  }
+
+  // Just past the closing brace.
+  void closeObject() {
+    --depth_;
+    sink_.endObject(position_);
   }
 
   // Bytes are gathered as they stand into one reused buffer and decoded as UTF-8 once, at the closing

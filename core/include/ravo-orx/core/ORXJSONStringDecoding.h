@@ -2,6 +2,7 @@
 // Pieces of JSON string handling shared by the readers of JSON text (the canonical parser and the
 // application's quick reader) and the canonical writer.
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -126,6 +127,59 @@ inline const char* decodeEscape(std::string_view text, std::size_t& position, st
     case 'u': return decodeUnicodeEscape(text, position, out);
     default: return "invalid string escape";
   }
+}
+
+// The bytes a valid string literal decodes to, taken piece by piece: runs of plain bytes as views of
+// the text, each escape decoded on its own.
+class DecodedPieces {
+ public:
+  // `quote` is the offset of the literal's opening quote.
+  DecodedPieces(std::string_view text, std::size_t quote) : text_(text), position_(quote + 1) {}
+
+  // The next piece, never empty, or an empty view at the closing quote.
+  std::string_view next() {
+    const std::size_t runEnd = plainRunEnd(text_.data(), text_.size(), position_);
+    if (runEnd > position_) {
+      const std::string_view run = text_.substr(position_, runEnd - position_);
+      position_ = runEnd;
+      return run;
+    }
+    if (text_[position_] == '"') return {};
+    ++position_;
+    escape_.clear();
+    decodeEscape(text_, position_, escape_);  // the literal is valid, so its escapes decode
+    return escape_;
+  }
+
+ private:
+  std::string_view text_;
+  std::size_t position_;
+  std::string escape_;  // at most four bytes: never allocates
+};
+
+// Compares the valid string literals whose opening quotes are at `a` and `b` by the bytes they decode
+// to, as unsigned bytes (which for UTF-8 is code-point order), a prefix first: negative, zero or
+// positive. Nothing is copied unless an escape is met.
+inline int compareDecoded(std::string_view text, std::size_t a, std::size_t b) {
+  DecodedPieces left(text, a), right(text, b);
+  std::string_view l = left.next(), r = right.next();
+  while (!l.empty() && !r.empty()) {
+    const std::size_t common = std::min(l.size(), r.size());
+    if (const int order = std::memcmp(l.data(), r.data(), common)) return order;
+    l.remove_prefix(common);
+    r.remove_prefix(common);
+    if (l.empty()) l = left.next();
+    if (r.empty()) r = right.next();
+  }
+  return static_cast<int>(!l.empty()) - static_cast<int>(!r.empty());
+}
+
+// The bytes the valid string literal opening at `quote` decodes to.
+inline std::string decodedString(std::string_view text, std::size_t quote) {
+  std::string bytes;
+  DecodedPieces pieces(text, quote);
+  for (std::string_view piece = pieces.next(); !piece.empty(); piece = pieces.next()) bytes.append(piece);
+  return bytes;
 }
 
 }  // namespace ORXJSONStringDecoding
