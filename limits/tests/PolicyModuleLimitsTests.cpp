@@ -116,8 +116,11 @@ TEST(PolicyModuleLimits, ManyDecisionsLeaveMemoryAsTheFirstLeftIt) {
     for (int i = 1; i < c.decisions; ++i) ASSERT_FALSE(module->invoke(arguments).error) << c.name;
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     const std::uint64_t afterAll = residentKilobytes();
-    EXPECT_LE(afterAll, afterFirst + 4 * 1024) << c.name << ": " << afterFirst << " KB after the first decision, "
-                                               << afterAll << " KB after " << c.decisions;
+    // AddressSanitizer keeps freed memory in quarantine by design, so memory is compared in plain builds.
+    if (kSanitizerSlowdown == 1) {
+      EXPECT_LE(afterAll, afterFirst + 4 * 1024) << c.name << ": " << afterFirst << " KB after the first decision, "
+                                                 << afterAll << " KB after " << c.decisions;
+    }
     EXPECT_LE(seconds, c.seconds * kSanitizerSlowdown) << c.name;
   }
 }
