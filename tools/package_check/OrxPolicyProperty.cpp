@@ -82,6 +82,17 @@ std::optional<std::int64_t> caseOf(OrxDecisionFieldForm form, std::string_view n
   return std::nullopt;
 }
 
+// Plain integers, wide enough that no sum of 32-bit values wraps.
+struct ConcreteDomain {
+  std::span<const std::int32_t> facts;
+  std::span<const std::int32_t> fields;
+
+  std::int64_t constant(std::int64_t value) const { return value; }
+  std::int64_t fact(std::size_t index) const { return facts[index]; }
+  std::int64_t field(std::size_t index) const { return fields[index]; }
+  bool truth(bool value) const { return value; }
+};
+
 constexpr std::string_view kKeywords[] = {"and", "or", "not", "implies", "in", "true", "false"};
 
 }  // namespace
@@ -312,6 +323,10 @@ class OrxPolicyPropertyParser {
   std::size_t depth_ = 0;
   std::vector<OrxPolicyProperty::Node> nodes_;
 };
+
+bool OrxPolicyProperty::holdsFor(std::span<const std::int32_t> facts, std::span<const std::int32_t> fields) const {
+  return holds(ConcreteDomain{facts, fields});
+}
 
 OrxPolicyProperty OrxPolicyProperty::parse(std::string_view text, const OrxDecisionKind& kind) {
   if (text.size() > kOrxMaxPropertyLength) {

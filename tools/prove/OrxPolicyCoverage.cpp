@@ -17,6 +17,13 @@ namespace {
 // An integer field may take very many values: the first few the cases miss are named.
 constexpr std::size_t kMaxNamedValues = 4;
 
+// A field's value as the coverage names it: true, 955, needsAdmin.
+std::string valueName(const OrxDecisionField& field, std::int32_t value) {
+  std::string text = orxDecisionFieldText(field, value);
+  if (text.size() >= 2 && text.front() == '"') text = text.substr(1, text.size() - 2);
+  return text;
+}
+
 // The values a field's form allows, or nothing for an integer.
 std::optional<std::vector<std::int32_t>> valuesOf(OrxDecisionFieldForm form) {
   auto cases = [](auto table) {
@@ -63,7 +70,7 @@ std::vector<std::string> orxUnreachedDecisions(std::span<const std::uint8_t> was
       const std::int32_t reachable = orxModelValue(model, value);
       const OrxReplay replay = orxReplay(wasm, kind, facts);
       orxConfirm(kind, "the module", json, orxModelAnswer(host, model), replay.answer);
-      unreached.push_back(std::string(field.name) + " " + orxDecisionFieldText(field, reachable) + ", as for facts " + json);
+      unreached.push_back(std::string(field.name) + " " + valueName(field, reachable) + ", as for facts " + json);
       return reachable;
     };
     auto unknown = [&](const std::string& what, const std::string& why) {
@@ -74,7 +81,7 @@ std::vector<std::string> orxUnreachedDecisions(std::span<const std::uint8_t> was
         if (reached[f].count(candidate)) continue;
         const OrxSolverOutcome outcome = session.check(allOf(answered, folded(value == candidate)));
         if (outcome.answer == OrxSolverAnswer::satisfiable) report(*outcome.model);
-        if (outcome.answer == OrxSolverAnswer::unknown) unknown(orxDecisionFieldText(field, candidate), outcome.unknownReason);
+        if (outcome.answer == OrxSolverAnswer::unknown) unknown(valueName(field, candidate), outcome.unknownReason);
       }
       continue;
     }

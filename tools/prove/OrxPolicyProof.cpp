@@ -64,7 +64,7 @@ std::vector<Obligation> obligations(const OrxDecisionKind& kind, const OrxHostDe
   for (const auto& property : options.properties) {
     list.push_back({"property \"" + property.text() + "\"", negation(property.holds(domain)), std::nullopt,
                     [&property](const OrxReplay& replay, std::span<const std::int32_t> facts, const std::string& json) {
-                      if (property.holds(OrxConcretePropertyDomain{facts, replay.answer.fields})) {
+                      if (property.holdsFor(facts, replay.answer.fields)) {
                         orxDisagree(json, "the property fails in the model, holds for the runtime's decision");
                       }
                     }});

@@ -21,7 +21,27 @@ using wabt::Type;
 constexpr std::uint64_t kChargeOverhead = 16;
 constexpr std::uint64_t kCallOverhead = 16;
 
+// How long the model asks the solver whether a loop's next iteration can be reached at all.
+constexpr unsigned kPathCheckMilliseconds = 200;
+
 const char* const kChangesInstance = "decide may leave the instance changed for the next call (a global, the memory or its size)";
+
+// Whether some facts may take the path: false only when the solver shows none can, within a short
+// time. Asked in a context of its own, as the prover asks every question (OrxProofSolver).
+bool mayBeTaken(const z3::expr& path, unsigned milliseconds) {
+  if (path.is_true()) return true;
+  if (path.is_false()) return false;
+  z3::context question;
+  z3::expr_vector from(path.ctx());
+  from.push_back(path);
+  z3::solver solver(question);
+  solver.push();
+  solver.add(z3::expr_vector(question, from)[0]);
+  z3::params parameters(question);
+  parameters.set("timeout", milliseconds);
+  solver.set(parameters);
+  return solver.check() != z3::unsat;
+}
 
 z3::expr pop(SymbolicState& state) {
   z3::expr value = state.stack.back();
@@ -287,7 +307,10 @@ void SymbolicExecutor::loop(const wabt::Block& body, Frame& frame, std::optional
     std::vector<SymbolicState> again = std::move(frame.labels.back().arrivals);
     frame.labels.pop_back();
     entry.reset();
+    // A loop whose exit depends on the facts would otherwise be unrolled to the bound even when no
+    // facts take it that far: a path the solver shows impossible ends here.
     if (!again.empty()) entry = joined(again);
+    if (entry && !mayBeTaken(entry->reach, kPathCheckMilliseconds)) entry.reset();
   }
   state.reset();
   if (!exits.empty()) state = joined(exits);

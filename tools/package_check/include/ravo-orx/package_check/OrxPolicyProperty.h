@@ -24,6 +24,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,6 +52,9 @@ class OrxPolicyProperty {
   auto holds(const Domain& domain) const {
     return condition(domain, root_);
   }
+
+  // Whether it holds of a decision: the facts in argument order, the fields as the decision log holds them.
+  bool holdsFor(std::span<const std::int32_t> facts, std::span<const std::int32_t> fields) const;
 
  private:
   enum class Op {
