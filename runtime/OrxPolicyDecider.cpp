@@ -96,12 +96,11 @@ void OrxPolicyDecider::setRecorder(OrxDecisionRecorder* recorder) {
 template <const auto& Rules, class Decision, class Facts, class Accept>
 OrxSourcedDecision<Decision> OrxPolicyDecider::decide(const OrxDecisionKind& kind, const Facts& facts,
                                                       const std::unique_ptr<LoadedModule>& module,
-                                                      FailSafes<Decision> failSafes,
                                                       Accept accept) noexcept {
   std::unique_lock guard(lock_);
   OrxDecisionRecorder* const recorder = recorder_;
   if (recorder) recorder->waitForRoom(guard);
-  const Evaluation<Decision> evaluation = evaluate<Rules>(kind, facts, module, failSafes, accept);
+  const Evaluation<Decision> evaluation = evaluate<Rules, Decision>(kind, facts, module, accept);
   if (!recorder) return evaluation.sourced;
   OrxDecisionRecord record;
   record.kind = kind.id;
@@ -129,43 +128,37 @@ OrxSourcedDecision<Decision> OrxPolicyDecider::decide(const OrxDecisionKind& kin
 // kind's fail-safe decision, counted, with the path that produced it.
 template <const auto& Rules, class Decision, class Facts, class Accept>
 auto OrxPolicyDecider::evaluate(const OrxDecisionKind& kind, const Facts& facts,
-                                const std::unique_ptr<LoadedModule>& module, FailSafes<Decision> failSafes,
-                                Accept accept) -> Evaluation<Decision> {
-  if (!module) return {fail(failSafes.unavailable, OrxDecisionSource::moduleUnavailable)};
+                                const std::unique_ptr<LoadedModule>& module, Accept accept)
+    -> Evaluation<Decision> {
+  using FailSafes = OrxFailSafeDecisions<Decision>;
+  if (!module) return {fail(FailSafes::unavailable, OrxDecisionSource::moduleUnavailable)};
   const auto arguments = facts.arguments();
   const OrxInvocation call = module->invoke(arguments);
   const std::int32_t result = call.result.value_or(kind.resultWhenNone);
   if (call.error) {
     logTrap(kind, call);
-    return {fail(failSafes.unavailable, OrxDecisionSource::trap), call.emitted};
+    return {fail(FailSafes::unavailable, OrxDecisionSource::trap), call.emitted};
   }
   const OrxEmittedRecord record = emittedRecord(kind, call, result, arguments);
-  if (!orxRecordAccepted<Rules>(record)) return {fail(failSafes.invalid, OrxDecisionSource::invalidOutput), call.emitted};
+  if (!orxRecordAccepted<Rules>(record)) return {fail(FailSafes::invalid, OrxDecisionSource::invalidOutput), call.emitted};
   return {{accept(record), OrxDecisionSource::policy}, call.emitted};
 }
 
 OrxSourcedDecision<OrxAuthorizationDecision> OrxPolicyDecider::authorizeWithSource(
     const AuthorizationFacts& facts) noexcept {
-  return decide<kOrxAuthorizationRecordRules>(
-      kAuthorization, facts, modules_.authorization,
-      FailSafes<OrxAuthorizationDecision>{OrxAuthorizationDecision::runtimeUnavailable(),
-                                             OrxAuthorizationDecision::invalid()},
-      [](OrxRecord r) { return OrxAuthorizationDecision{r.result == 1, *orxAuthorizationReason(r[3]), r[4]}; });
+  return decide<kOrxAuthorizationRecordRules, OrxAuthorizationDecision>(
+      kAuthorization, facts, modules_.authorization, [](OrxRecord r) { return OrxAuthorizationDecision{r.result == 1, *orxAuthorizationReason(r[3]), r[4]}; });
 }
 
 OrxSourcedDecision<OrxSyncDecision> OrxPolicyDecider::correctSyncWithSource(const SyncFacts& facts) noexcept {
-  return decide<kOrxSyncRecordRules>(
-      kSync, facts, modules_.sync, FailSafes<OrxSyncDecision>{OrxSyncDecision::hold(), OrxSyncDecision::hold()},
-      [](OrxRecord r) { return OrxSyncDecision{*orxSyncAction(r.result), r[2], r[3], r[4]}; });
+  return decide<kOrxSyncRecordRules, OrxSyncDecision>(
+      kSync, facts, modules_.sync, [](OrxRecord r) { return OrxSyncDecision{*orxSyncAction(r.result), r[2], r[3], r[4]}; });
 }
 
 OrxSourcedDecision<OrxCinemaAdmissionDecision> OrxPolicyDecider::decideCinemaAdmissionWithSource(
     const CinemaAdmissionFacts& facts) noexcept {
-  return decide<kOrxCinemaAdmissionRecordRules>(
-      kCinema, facts, modules_.cinemaAdmission,
-      FailSafes<OrxCinemaAdmissionDecision>{OrxCinemaAdmissionDecision::metalFXOnly(),
-                                               OrxCinemaAdmissionDecision::metalFXOnly()},
-      [](OrxRecord r) {
+  return decide<kOrxCinemaAdmissionRecordRules, OrxCinemaAdmissionDecision>(
+      kCinema, facts, modules_.cinemaAdmission, [](OrxRecord r) {
         return OrxCinemaAdmissionDecision{*orxCinemaAdmissionRoute(r.result), r[2], r[3],
                                           *orxCinemaAdmissionReason(r[4])};
       });

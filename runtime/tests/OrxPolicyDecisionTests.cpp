@@ -231,6 +231,38 @@ TEST(OrxPolicyDecisions, ADecideThatReturnsNothingCountsAsEachKindsOwnResult) {
                                                           OrxDecisionSource::policy}));
 }
 
+// The kinds' table says where an accepted record holds each decision field, for the prover and the
+// tools: the decider must take every field from exactly there.
+TEST(OrxPolicyDecisions, AnAcceptedRecordGivesEachFieldTheValueTheKindsTableNames) {
+  struct Case {
+    OrxDecisionKindID kind;
+    Record record;
+  };
+  const Case cases[] = {
+      {OrxDecisionKindID::authorization, {emits, 5201, 1, 6, 0, 3, 1}},
+      {OrxDecisionKindID::authorization, {emits, 5201, 0, 6, 5, 10000, 0}},
+      {OrxDecisionKindID::sync, {emits, 5301, 1, 967, 0, 3, 1}},
+      {OrxDecisionKindID::sync, {emits, 5301, 2, 1000, -86400000, 4, 2}},
+      {OrxDecisionKindID::cinemaAdmission, {emits, 5401, 2, 2, 272, 4, 2}},
+      {OrxDecisionKindID::cinemaAdmission, {emits, 5401, 0, 0, 1000000, 1, 0}},
+  };
+  OrxPolicyDecider decider(puppetModules());
+  for (const auto& c : cases) {
+    std::array<std::int32_t, kOrxMaxDecisionFields> fields{};
+    switch (c.kind) {
+      case OrxDecisionKindID::authorization: fields = orxDecisionFieldValues(decider.authorize(authorizationFacts(c.record, 6))); break;
+      case OrxDecisionKindID::sync: fields = orxDecisionFieldValues(decider.correctSync(syncFacts(c.record))); break;
+      case OrxDecisionKindID::cinemaAdmission: fields = orxDecisionFieldValues(decider.decideCinemaAdmission(cinemaFacts(c.record))); break;
+    }
+    const std::int32_t emitted[] = {c.record.e0, c.record.e1, c.record.e2, c.record.e3, c.record.e4};
+    const auto& decisionFields = orxDecisionKind(c.kind).decisionFields;
+    for (std::size_t f = 0; f < decisionFields.size(); ++f) {
+      EXPECT_EQ(fields[f], emitted[decisionFields[f].emittedIndex]) << decisionFields[f].name << " of " << c.record.e0;
+    }
+  }
+  EXPECT_EQ(decider.failureCount(), 0u);
+}
+
 TEST(OrxPolicyDecisions, WithoutModulesEveryDecisionIsTheCountedFailSafe) {
   OrxPolicyDecider decider(OrxPolicyModules{});
   EXPECT_EQ(decider.statusDescription(), "ORX unavailable \u00B7 native safe mode");

@@ -46,31 +46,53 @@ void decodeValue(const RavoJSON& json, const std::string& where, std::int32_t& o
   out = json.get<std::int32_t>();
 }
 
+// The objects of the schema, each decoded by its own table of keys.
+template <class T>
+constexpr bool kIsObject = std::is_same_v<T, OrxPolicyManifest> || std::is_same_v<T, OrxPolicyCase> ||
+                           std::is_same_v<T, OrxManifestFactRange> || std::is_same_v<T, OrxManifestProof>;
+
+template <class T>
+constexpr bool kIsOptional = false;
+template <class T>
+constexpr bool kIsOptional<std::optional<T>> = true;
+
 template <class Object>
 void decodeObject(const RavoJSON& json, const std::string& where, Object& out);
+
+template <class Item>
+void decodeItem(const RavoJSON& json, const std::string& where, Item& out) {
+  if constexpr (kIsObject<Item>) {
+    decodeObject(json, where, out);
+  } else {
+    decodeValue(json, where, out);
+  }
+}
 
 template <class Item>
 void decodeValue(const RavoJSON& json, const std::string& where, std::vector<Item>& out) {
   if (!json.is_array()) refuse(where, "expected an array");
   for (std::size_t i = 0; i < json.size(); ++i) {
     Item item{};
-    if constexpr (std::is_same_v<Item, OrxPolicyCase>) {
-      decodeObject(json[i], where + "[" + std::to_string(i) + "]", item);
-    } else {
-      decodeValue(json[i], where + "[" + std::to_string(i) + "]", item);
-    }
+    decodeItem(json[i], where + "[" + std::to_string(i) + "]", item);
     out.push_back(std::move(item));
   }
 }
 
-// One key of an object: its name and where its value goes. Adding a key to the schema is one line of
-// the object's table (and its field).
+template <class Item>
+void decodeValue(const RavoJSON& json, const std::string& where, std::optional<Item>& out) {
+  decodeItem(json, where, out.emplace());
+}
+
+// One key of an object: its name, where its value goes, and whether the object may leave it out.
+// Adding a key to the schema is one line of the object's table (and its field).
 template <class Object>
 struct Key {
   std::string_view name;
   std::variant<std::string Object::*, std::int32_t Object::*, std::vector<std::string> Object::*,
-               std::vector<std::int32_t> Object::*, std::vector<OrxPolicyCase> Object::*>
+               std::vector<std::int32_t> Object::*, std::vector<OrxPolicyCase> Object::*,
+               std::vector<OrxManifestFactRange> Object::*, std::optional<OrxManifestProof> Object::*>
       field;
+  bool optional = false;
 };
 
 constexpr Key<OrxPolicyManifest> kManifestKeys[] = {
@@ -78,6 +100,9 @@ constexpr Key<OrxPolicyManifest> kManifestKeys[] = {
     {"hostAbi", &OrxPolicyManifest::hostAbi}, {"imports", &OrxPolicyManifest::imports},
     {"decide", &OrxPolicyManifest::decide},   {"emitTag", &OrxPolicyManifest::emitTag},
     {"facts", &OrxPolicyManifest::facts},     {"cases", &OrxPolicyManifest::cases},
+    {"factRanges", &OrxPolicyManifest::factRanges, true},
+    {"properties", &OrxPolicyManifest::properties, true},
+    {"proof", &OrxPolicyManifest::proof, true},
 };
 
 constexpr Key<OrxPolicyCase> kCaseKeys[] = {
@@ -86,12 +111,26 @@ constexpr Key<OrxPolicyCase> kCaseKeys[] = {
     {"emits", &OrxPolicyCase::emits},
 };
 
+constexpr Key<OrxManifestFactRange> kFactRangeKeys[] = {
+    {"fact", &OrxManifestFactRange::fact},
+    {"from", &OrxManifestFactRange::from},
+    {"to", &OrxManifestFactRange::to},
+};
+
+constexpr Key<OrxManifestProof> kProofKeys[] = {
+    {"skip", &OrxManifestProof::skip},
+};
+
 template <class Object>
 constexpr std::span<const Key<Object>> keysOf() {
   if constexpr (std::is_same_v<Object, OrxPolicyManifest>) {
     return kManifestKeys;
-  } else {
+  } else if constexpr (std::is_same_v<Object, OrxPolicyCase>) {
     return kCaseKeys;
+  } else if constexpr (std::is_same_v<Object, OrxManifestFactRange>) {
+    return kFactRangeKeys;
+  } else {
+    return kProofKeys;
   }
 }
 
@@ -106,14 +145,14 @@ void decodeObject(const RavoJSON& json, const std::string& where, Object& out) {
   const auto keys = keysOf<Object>();
   for (const auto& key : keys) {
     const auto value = json.find(key.name);
-    if (value == json.end()) refuse(where, "missing key " + inQuotes(key.name));
+    if (value == json.end()) {
+      if (key.optional) continue;
+      refuse(where, "missing key " + inQuotes(key.name));
+    }
     const std::string at = where + ": " + inQuotes(key.name);
     std::visit([&](auto field) { decodeValue(*value, at, out.*field); }, key.field);
   }
 }
-
-template <class T>
-constexpr bool kIsObject = std::is_same_v<T, OrxPolicyManifest> || std::is_same_v<T, OrxPolicyCase>;
 
 template <class T>
 struct MemberType;
@@ -123,9 +162,11 @@ struct MemberType<T Object::*> {
 };
 
 // Hands `visit` a null pointer of the schema's type at `path` below a T: an object's key leads to its
-// field's type, an element to the array's item type. Only paths the reader has let through arrive.
+// field's type (an optional one's to the type it holds), an element to the array's item type. Only
+// paths the reader has let through arrive.
 template <class T, class Visit>
 void atPath(RavoJSONPath path, const Visit& visit) {
+  if constexpr (kIsOptional<T>) return atPath<typename T::value_type>(path, visit);
   if (path.empty()) return visit(static_cast<T*>(nullptr));
   if constexpr (kIsObject<T>) {
     for (const auto& key : keysOf<T>()) {
@@ -200,6 +241,33 @@ std::string listed(const std::vector<Item>& items) {
   return "[" + text + "]";
 }
 
+// What the prover is told: ranges of the kind's facts, each given once and not empty; properties that
+// parse; a reason for skipping the proof.
+void checkProofSettings(const OrxPolicyManifest& manifest, const OrxDecisionKind& kind, const std::string& where) {
+  std::set<std::string> ranged;
+  for (std::size_t i = 0; i < manifest.factRanges.size(); ++i) {
+    const auto& range = manifest.factRanges[i];
+    const std::string at = where + ": \"factRanges\"[" + std::to_string(i) + "]";
+    if (std::find(kind.factNames.begin(), kind.factNames.end(), range.fact) == kind.factNames.end()) {
+      refuse(at, inQuotes(range.fact) + " is no fact of " + std::string(kind.module));
+    }
+    if (!ranged.insert(range.fact).second) refuse(at, "the range of " + inQuotes(range.fact) + " is given before");
+    if (range.from > range.to) {
+      refuse(at, "the range " + std::to_string(range.from) + ".." + std::to_string(range.to) + " is empty");
+    }
+  }
+  for (std::size_t i = 0; i < manifest.properties.size(); ++i) {
+    try {
+      OrxPolicyProperty::parse(manifest.properties[i], kind);
+    } catch (const std::exception& error) {
+      refuse(where + ": \"properties\"[" + std::to_string(i) + "] " + inQuotes(manifest.properties[i]), error.what());
+    }
+  }
+  if (manifest.proof && manifest.proof->skip.find_first_not_of(" \t") == std::string::npos) {
+    refuse(where + ": \"proof\": \"skip\"", "a skipped proof states its reason");
+  }
+}
+
 // What the kind fixes: the lanes, the tag and the facts; then the cases themselves.
 void checkAgainstKind(const OrxPolicyManifest& manifest, const std::string& where) {
   const OrxDecisionKind* kind = orxDecisionKindOfModule(manifest.module);
@@ -231,6 +299,7 @@ void checkAgainstKind(const OrxPolicyManifest& manifest, const std::string& wher
       refuse(at + ": \"emits\"", "has " + std::to_string(policyCase.emits.size()) + " values instead of 5");
     }
   }
+  checkProofSettings(manifest, *kind, where);
 }
 
 }  // namespace
@@ -247,6 +316,12 @@ OrxPolicyManifest OrxPolicyManifest::decode(std::span<const std::uint8_t> json, 
   decodeObject(document, name, manifest);
   checkAgainstKind(manifest, name);
   return manifest;
+}
+
+std::vector<OrxPolicyProperty> OrxPolicyManifest::parsedProperties() const {
+  std::vector<OrxPolicyProperty> parsed;
+  for (const auto& text : properties) parsed.push_back(OrxPolicyProperty::parse(text, *orxDecisionKindOfModule(module)));
+  return parsed;
 }
 
 std::vector<std::string> orxManifestContractProblems(const OrxPolicyManifest& manifest,

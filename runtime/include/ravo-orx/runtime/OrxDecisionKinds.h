@@ -1,8 +1,8 @@
 #pragma once
 // The three decision kinds, each described once: the command-line name, the module, the facts in
 // argument order, the emitted record's tag and where its reason stands, the reasons a module may answer
-// with, what `decide` is taken to return when it returns nothing, and the text logged when it traps.
-// and the fields of its decision as the decision log writes them. The runtime, the toolchain, the
+// with, what `decide` is taken to return when it returns nothing, the text logged when it traps, and
+// the fields of its decision as the decision log writes them and an accepted record holds them. The runtime, the toolchain, the
 // command line and the check runner read this table; the decisions' own records, enumerations and
 // fail-safe constants are in OrxPolicyDecisions.h.
 
@@ -28,6 +28,9 @@ enum class OrxDecisionFieldForm { boolean, integer, authorizationReason, syncAct
 struct OrxDecisionField {
   std::string_view name;
   OrxDecisionFieldForm form;
+  // Where an accepted emitted record holds the field's value ([1] is decide's result); a boolean field
+  // is true when that value is 1.
+  std::size_t emittedIndex;
 };
 
 struct OrxDecisionKind {
@@ -82,21 +85,21 @@ inline constexpr auto kCinemaAdmissionReasonNames =
     orxFirstCaseNames<OrxCinemaAdmissionReason, rawValue(OrxCinemaAdmissionReason::invalidFacts) + 1>();
 
 inline constexpr std::array<OrxDecisionField, 3> kAuthorizationDecisionFields{{
-    {"isAllowed", OrxDecisionFieldForm::boolean},
-    {"reason", OrxDecisionFieldForm::authorizationReason},
-    {"policyVersion", OrxDecisionFieldForm::integer},
+    {"isAllowed", OrxDecisionFieldForm::boolean, 1},
+    {"reason", OrxDecisionFieldForm::authorizationReason, 3},
+    {"policyVersion", OrxDecisionFieldForm::integer, 4},
 }};
 inline constexpr std::array<OrxDecisionField, 4> kSyncDecisionFields{{
-    {"action", OrxDecisionFieldForm::syncAction},
-    {"rateX1000", OrxDecisionFieldForm::integer},
-    {"correctionMilliseconds", OrxDecisionFieldForm::integer},
-    {"reason", OrxDecisionFieldForm::integer},
+    {"action", OrxDecisionFieldForm::syncAction, 1},
+    {"rateX1000", OrxDecisionFieldForm::integer, 2},
+    {"correctionMilliseconds", OrxDecisionFieldForm::integer, 3},
+    {"reason", OrxDecisionFieldForm::integer, 4},
 }};
 inline constexpr std::array<OrxDecisionField, 4> kCinemaAdmissionDecisionFields{{
-    {"route", OrxDecisionFieldForm::cinemaRoute},
-    {"sparseAnchorIntervalFrames", OrxDecisionFieldForm::integer},
-    {"safeBudgetTenthsMilliseconds", OrxDecisionFieldForm::integer},
-    {"reason", OrxDecisionFieldForm::cinemaReason},
+    {"route", OrxDecisionFieldForm::cinemaRoute, 1},
+    {"sparseAnchorIntervalFrames", OrxDecisionFieldForm::integer, 2},
+    {"safeBudgetTenthsMilliseconds", OrxDecisionFieldForm::integer, 3},
+    {"reason", OrxDecisionFieldForm::cinemaReason, 4},
 }};
 
 }  // namespace internal

@@ -68,24 +68,15 @@ class OrxPolicyDecider {
     OrxSourcedDecision<Decision> sourced;
     const std::vector<std::int32_t>* emitted = nullptr;
   };
-  // A kind's fail-safe decisions: without a module or after a trap, and for a record the rules refuse.
-  template <class Decision>
-  struct FailSafes {
-    Decision unavailable;
-    Decision invalid;
-  };
-
   // One decision of a kind: `Rules` judge the emitted record, and `accept` turns an accepted record into
-  // the decision.
+  // the decision; otherwise the decision is one of OrxFailSafeDecisions<Decision>.
   template <const auto& Rules, class Decision, class Facts, class Accept>
   OrxSourcedDecision<Decision> decide(const OrxDecisionKind& kind, const Facts& facts,
-                                      const std::unique_ptr<LoadedModule>& module, FailSafes<Decision> failSafes,
-                                      Accept accept) noexcept;
+                                      const std::unique_ptr<LoadedModule>& module, Accept accept) noexcept;
   // The caller holds lock_.
   template <const auto& Rules, class Decision, class Facts, class Accept>
   Evaluation<Decision> evaluate(const OrxDecisionKind& kind, const Facts& facts,
-                                const std::unique_ptr<LoadedModule>& module, FailSafes<Decision> failSafes,
-                                Accept accept);
+                                const std::unique_ptr<LoadedModule>& module, Accept accept);
   template <class Decision>
   OrxSourcedDecision<Decision> fail(Decision failSafe, OrxDecisionSource source);
 

@@ -125,27 +125,50 @@ constexpr std::int32_t rawValue(E value) {
   return static_cast<std::int32_t>(value);
 }
 
+// Whether a raw value is a case of an enumeration. Generic over the value's type, so that the prover
+// asks the same question of a symbolic value; the conversions below are built on these tests.
+template <OrxModuleEnumeration E, class Value>
+constexpr auto orxIsCaseUpTo(const Value& raw, E last) {
+  return raw >= 0 && raw <= rawValue(last);
+}
+template <class Value>
+constexpr auto orxIsAuthorizationReason(const Value& raw) {
+  return orxIsCaseUpTo(raw, OrxAuthorizationReason::needsAdmin) ||
+         raw == rawValue(OrxAuthorizationReason::runtimeUnavailable) ||
+         raw == rawValue(OrxAuthorizationReason::invalidResult);
+}
+template <class Value>
+constexpr auto orxIsSyncAction(const Value& raw) {
+  return orxIsCaseUpTo(raw, OrxSyncAction::seek);
+}
+template <class Value>
+constexpr auto orxIsCinemaAdmissionRoute(const Value& raw) {
+  return orxIsCaseUpTo(raw, OrxCinemaAdmissionRoute::measurementRequired);
+}
+template <class Value>
+constexpr auto orxIsCinemaAdmissionReason(const Value& raw) {
+  return orxIsCaseUpTo(raw, OrxCinemaAdmissionReason::invalidFacts);
+}
+
 // Raw value to case; an unknown raw value yields nothing. Inline because every decision converts its
 // answer: returned out of line, the optional goes through memory and the caller waits on it.
 template <OrxModuleEnumeration E>
-constexpr std::optional<E> orxCaseInRange(std::int32_t raw, E last) {
-  if (raw < 0 || raw > rawValue(last)) return std::nullopt;
+constexpr std::optional<E> orxCaseIf(bool known, std::int32_t raw) {
+  if (!known) return std::nullopt;
   return static_cast<E>(raw);
 }
 
 constexpr std::optional<OrxAuthorizationReason> orxAuthorizationReason(std::int32_t raw) {
-  if (raw == rawValue(OrxAuthorizationReason::runtimeUnavailable)) return OrxAuthorizationReason::runtimeUnavailable;
-  if (raw == rawValue(OrxAuthorizationReason::invalidResult)) return OrxAuthorizationReason::invalidResult;
-  return orxCaseInRange(raw, OrxAuthorizationReason::needsAdmin);
+  return orxCaseIf<OrxAuthorizationReason>(orxIsAuthorizationReason(raw), raw);
 }
 constexpr std::optional<OrxSyncAction> orxSyncAction(std::int32_t raw) {
-  return orxCaseInRange(raw, OrxSyncAction::seek);
+  return orxCaseIf<OrxSyncAction>(orxIsSyncAction(raw), raw);
 }
 constexpr std::optional<OrxCinemaAdmissionRoute> orxCinemaAdmissionRoute(std::int32_t raw) {
-  return orxCaseInRange(raw, OrxCinemaAdmissionRoute::measurementRequired);
+  return orxCaseIf<OrxCinemaAdmissionRoute>(orxIsCinemaAdmissionRoute(raw), raw);
 }
 constexpr std::optional<OrxCinemaAdmissionReason> orxCinemaAdmissionReason(std::int32_t raw) {
-  return orxCaseInRange(raw, OrxCinemaAdmissionReason::invalidFacts);
+  return orxCaseIf<OrxCinemaAdmissionReason>(orxIsCinemaAdmissionReason(raw), raw);
 }
 
 struct OrxAuthorizationDecision {
@@ -183,6 +206,26 @@ struct OrxCinemaAdmissionDecision {
     return {OrxCinemaAdmissionRoute::metalFXOnly, 0, 0, OrxCinemaAdmissionReason::invalidFacts};
   }
   friend bool operator==(const OrxCinemaAdmissionDecision&, const OrxCinemaAdmissionDecision&) = default;
+};
+
+// Each decision's fail-safe answers: when no module answered (none loaded, or it trapped) and when the
+// module's emitted record was refused.
+template <class Decision>
+struct OrxFailSafeDecisions;
+template <>
+struct OrxFailSafeDecisions<OrxAuthorizationDecision> {
+  static constexpr OrxAuthorizationDecision unavailable = OrxAuthorizationDecision::runtimeUnavailable();
+  static constexpr OrxAuthorizationDecision invalid = OrxAuthorizationDecision::invalid();
+};
+template <>
+struct OrxFailSafeDecisions<OrxSyncDecision> {
+  static constexpr OrxSyncDecision unavailable = OrxSyncDecision::hold();
+  static constexpr OrxSyncDecision invalid = OrxSyncDecision::hold();
+};
+template <>
+struct OrxFailSafeDecisions<OrxCinemaAdmissionDecision> {
+  static constexpr OrxCinemaAdmissionDecision unavailable = OrxCinemaAdmissionDecision::metalFXOnly();
+  static constexpr OrxCinemaAdmissionDecision invalid = OrxCinemaAdmissionDecision::metalFXOnly();
 };
 
 // A decision with its source, so a fail-safe answer can be told from the module's own without comparing

@@ -42,6 +42,8 @@ extern const OrxCliCommand kOrxCliPolicyTestCommand;
 extern const OrxCliCommand kOrxCliPolicyEvalCommand;
 extern const OrxCliCommand kOrxCliPolicyBenchCommand;
 extern const OrxCliCommand kOrxCliPolicyBuildCommand;
+extern const OrxCliCommand kOrxCliPolicyProveCommand;
+extern const OrxCliCommand kOrxCliPolicyDiffCommand;
 
 extern const OrxCliCommand kOrxCliLogVerifyCommand;
 extern const OrxCliCommand kOrxCliLogReplayCommand;

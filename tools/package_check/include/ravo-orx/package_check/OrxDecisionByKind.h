@@ -2,6 +2,7 @@
 // The decision kinds (OrxDecisionKinds.h) as tools use them: a decision taken through the runtime's own
 // decision path for a kind given at run time, rendered as JSON.
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -11,6 +12,7 @@
 
 #include <ravo-orx/contracts/support/RavoJSON.h>
 #include <ravo-orx/runtime/OrxDecisionKinds.h>
+#include <ravo-orx/runtime/OrxDecisionRecord.h>
 #include <ravo-orx/runtime/OrxPolicyDecider.h>
 
 namespace ravo::orx {
@@ -30,6 +32,8 @@ internal::OrxPolicyModules orxModulesWith(const OrxDecisionKind& kind, std::uniq
 struct OrxPolicyAnswer {
   RavoJSON decision;
   OrxDecisionSource source;
+  // The decision's fields as the decision log holds them, in declaration order.
+  std::array<std::int32_t, internal::kOrxMaxDecisionFields> fields;
 };
 
 // The facts in declaration order, which is also the order of the module's arguments.
@@ -44,7 +48,10 @@ Facts orxFactsFrom(std::span<const std::int32_t> values) {
 // holds exactly kind.factNames.size() values.
 template <class Decider>
 OrxPolicyAnswer orxDecide(const OrxDecisionKind& kind, Decider& decider, std::span<const std::int32_t> facts) {
-  auto answer = [](const auto& sourced) { return OrxPolicyAnswer{orxDecisionJSON(sourced.decision), sourced.source}; };
+  auto answer = [](const auto& sourced) {
+    return OrxPolicyAnswer{orxDecisionJSON(sourced.decision), sourced.source,
+                           internal::orxDecisionFieldValues(sourced.decision)};
+  };
   switch (kind.id) {
     case OrxDecisionKindID::authorization:
       return answer(decider.authorizeWithSource(orxFactsFrom<AuthorizationFacts>(facts)));

@@ -1,14 +1,19 @@
 #pragma once
 // A policy's package manifest ("<module>.manifest.json"): the module it describes, its ABI lanes, the
 // exact import list and `decide` signature, the tag it emits under, its fact names in argument order,
-// and the table of cases, each with its facts and the five values the module must emit. The schema
+// the table of cases, each with its facts and the five values the module must emit, and what the
+// prover is told: the facts' ranges, the properties the decisions keep, and whether the build proves
+// the module's validity. The schema
 // (docs/POLICY-MANIFEST.md) is strict: one table of keys per object in OrxPolicyManifest.cpp.
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
+
+#include <ravo-orx/package_check/OrxPolicyProperty.h>
 
 namespace ravo::orx {
 
@@ -30,6 +35,18 @@ struct OrxPolicyCase {
   std::vector<std::int32_t> emits;
 };
 
+// The values a fact takes, as the manifest declares them for the prover: from..to, both included.
+struct OrxManifestFactRange {
+  std::string fact;
+  std::int32_t from = 0;
+  std::int32_t to = 0;
+};
+
+// How `policy build` treats the module's proof: "skip" states why its validity is not proven.
+struct OrxManifestProof {
+  std::string skip;
+};
+
 struct OrxPolicyManifest {
   std::string module;
   std::string orxAbi;
@@ -39,16 +56,26 @@ struct OrxPolicyManifest {
   std::int32_t emitTag = 0;
   std::vector<std::string> facts;
   std::vector<OrxPolicyCase> cases;
+  // Optional: the facts' ranges (a fact not listed takes any 32-bit value), the properties every
+  // decision keeps (OrxPolicyProperty.h, checked to parse when the manifest is read), and the proof's
+  // settings.
+  std::vector<OrxManifestFactRange> factRanges;
+  std::vector<std::string> properties;
+  std::optional<OrxManifestProof> proof;
 
   // Reads the manifest with the project's bounded JSON reader and holds it to the schema and to its
   // decision kind (module, ABI lanes, emit tag, fact names). Throws std::runtime_error "<name>: <what>"
   // naming the key (and the case) at fault: not JSON, an unknown or missing key, a value of the wrong
   // type or a number outside 32 bits, a lane, tag or fact list that differs from the kind's, no cases
   // or more than kOrxPolicyManifestCaseLimit, a longer list than kOrxPolicyManifestListLimit, a case
-  // name given twice, or a case with the wrong count of facts or emitted values. An unknown key, a
-  // value of the wrong type and an item past a limit are refused as they are read, before anything of
-  // them is built.
+  // name given twice, or a case with the wrong count of facts or emitted values; a range of an unknown
+  // fact, of a fact given twice or empty; a property that does not parse; a proof skipped without a
+  // reason. An unknown key, a value of the wrong type and an item past a limit are refused as they are
+  // read, before anything of them is built.
   static OrxPolicyManifest decode(std::span<const std::uint8_t> json, const std::string& name);
+
+  // The properties, parsed (decode checked that they parse).
+  std::vector<OrxPolicyProperty> parsedProperties() const;
 };
 
 // What keeps the module from keeping the manifest's contract: its imports must be exactly "imports"

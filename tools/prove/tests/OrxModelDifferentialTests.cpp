@@ -1,0 +1,142 @@
+// The model of decide against the interpreter: random modules covering every instruction family the
+// model follows, each called with random facts on a fresh instance, must give exactly what the model
+// gives for those facts (its formulas evaluated with the facts fixed): whether the call traps, decide's
+// result, the last emission, and the host's decision and its source.
+
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <random>
+
+#include <ravo-orx/loader/OrxModuleLoader.h>
+#include <ravo-orx/package_check/OrxDecisionByKind.h>
+#include <ravo-orx/prove/OrxHostDecisionModel.h>
+#include "runtime/tests/WatAssembler.h"
+#include "tools/prove/tests/RandomPolicyModules.h"
+
+namespace ravo::orx {
+
+using namespace internal;
+
+namespace {
+
+constexpr int kModules = 80;
+constexpr int kFactsPerModule = 12;
+const std::string kChangesInstance = "decide may leave the instance changed";
+
+const OrxDecisionKind& kSync = orxDecisionKind(OrxDecisionKindID::sync);
+
+// The model's formulas with the facts fixed: each one evaluates to a constant.
+class FixedFacts {
+ public:
+  FixedFacts(const std::vector<z3::expr>& facts, std::span<const std::int32_t> values) : model_(facts.front().ctx()) {
+    for (std::size_t f = 0; f < facts.size(); ++f) {
+      z3::func_decl fact = facts[f].decl();
+      z3::expr value = facts.front().ctx().bv_val(values[f], 32);
+      model_.add_const_interp(fact, value);
+    }
+  }
+  z3::expr eval(const z3::expr& formula) const {
+    const z3::expr value = model_.eval(formula, true);
+    if (!value.is_numeral() && !value.is_true() && !value.is_false()) ADD_FAILURE() << "not a constant: " << value;
+    return value;
+  }
+
+ private:
+  z3::model model_;
+};
+
+std::int32_t valueIn(const FixedFacts& model, const z3::expr& value) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(model.eval(value).get_numeral_uint64()));
+}
+
+std::string listed(const std::vector<std::int32_t>& values) {
+  std::string text;
+  for (const auto value : values) text += (text.empty() ? "" : ", ") + std::to_string(value);
+  return "[" + text + "]";
+}
+
+// What one call gave, as the interpreter and as the model tell it.
+struct Outcome {
+  bool trapped;
+  std::optional<std::int32_t> result;  // when it did not trap
+  std::optional<std::vector<std::int32_t>> emitted;
+  std::array<std::int32_t, kOrxMaxDecisionFields> fields;
+  OrxDecisionSource source;
+
+  friend bool operator==(const Outcome&, const Outcome&) = default;
+  friend std::ostream& operator<<(std::ostream& out, const Outcome& o) {
+    out << (o.trapped ? "trapped" : "returned " + (o.result ? std::to_string(*o.result) : std::string("nothing")));
+    out << ", emitted " << (o.emitted ? listed(*o.emitted) : std::string("nothing")) << ", decision "
+        << listed({o.fields.begin(), o.fields.end()}) << " from " << orxCaseName(o.source);
+    return out;
+  }
+};
+
+Outcome interpreted(std::span<const std::uint8_t> wasm, std::span<const std::int32_t> facts) {
+  const auto module = loadModule(kSync.module, wasm, /*allowPrecompiled=*/false);  // holds what the call emitted
+  const OrxInvocation call = module->invoke(facts);
+  const bool trapped = static_cast<bool>(call.error);
+  Outcome outcome{trapped, trapped ? std::nullopt : call.result, std::nullopt, {}, {}};
+  if (call.emitted) outcome.emitted = *call.emitted;
+  OrxPolicyDecider decider(orxModulesWith(kSync, loadModule(kSync.module, wasm, /*allowPrecompiled=*/false)));
+  const OrxPolicyAnswer answer = orxDecide(kSync, decider, facts);
+  outcome.fields = answer.fields;
+  outcome.source = answer.source;
+  return outcome;
+}
+
+Outcome modelled(const OrxHostDecisionModel& host, const FixedFacts& model) {
+  Outcome outcome{model.eval(host.call.trapped).is_true(), std::nullopt, std::nullopt, {}, {}};
+  if (!outcome.trapped && host.call.result) outcome.result = valueIn(model, *host.call.result);
+  if (model.eval(host.call.emission.called).is_true()) {
+    const auto count = static_cast<std::size_t>(valueIn(model, host.call.emission.count));
+    std::vector<std::int32_t> values;
+    for (std::size_t v = 0; v < count && v < host.call.emission.values.size(); ++v) {
+      values.push_back(valueIn(model, host.call.emission.values[v]));
+    }
+    outcome.emitted = values;
+  }
+  for (std::size_t f = 0; f < host.fields.size(); ++f) outcome.fields[f] = valueIn(model, host.fields[f]);
+  outcome.source = static_cast<OrxDecisionSource>(valueIn(model, host.source));
+  return outcome;
+}
+
+TEST(OrxModelDifferential, RandomModulesDecideAsTheInterpreterDoes) {
+  int calls = 0, traps = 0, refused = 0, accepted = 0;
+  for (int m = 0; m < kModules; ++m) {
+    // Each module and its facts come from a seed of their own: a failure names the module's text.
+    std::mt19937_64 random(m);
+    const std::string wat = prover_test::RandomPolicyModule(random()).wat();
+    const auto wasm = assembleWat(wat);
+    z3::context context;
+    std::vector<z3::expr> facts;
+    for (const auto name : kSync.factNames) facts.push_back(context.bv_const(std::string(name).c_str(), 32));
+    const OrxHostDecisionModel host =
+        orxHostDecisionModel(kSync, orxModelDecide(wasm.data(), wasm.size(), facts, {}), facts);
+    for (int c = 0; c < kFactsPerModule; ++c) {
+      const auto values = prover_test::randomFacts(random);
+      const FixedFacts model(facts, values);
+      for (const auto& gap : host.call.gaps) {
+        // Every module keeps within the model; only its changes to the instance are left unfollowed.
+        if (gap.reason.starts_with(kChangesInstance)) continue;
+        ASSERT_FALSE(model.eval(gap.condition).is_true()) << gap.reason << " for facts " << listed(values) << "\n" << wat;
+      }
+      const Outcome expected = interpreted(wasm, values);
+      ASSERT_EQ(modelled(host, model), expected) << "facts " << listed(values) << "\n" << wat;
+      ++calls;
+      traps += expected.trapped ? 1 : 0;
+      accepted += expected.source == OrxDecisionSource::policy ? 1 : 0;
+      refused += !expected.trapped && expected.source != OrxDecisionSource::policy ? 1 : 0;
+    }
+  }
+  // The modules reach every outcome: traps, refused records and accepted ones.
+  EXPECT_GT(traps, calls / 20) << "of " << calls << " calls";
+  EXPECT_GT(refused, calls / 20) << "of " << calls << " calls";
+  EXPECT_GT(accepted, calls / 100) << "of " << calls << " calls";
+  std::cout << calls << " calls: " << traps << " trapped, " << refused << " refused, " << accepted << " accepted\n";
+}
+
+}  // namespace
+
+}  // namespace ravo::orx
