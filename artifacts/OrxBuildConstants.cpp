@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "593805157040d87234636d3c7fb2f8bdca5e737951981fb1d390cba9fcb553f0";
+  static const std::string value = "44f70ecf463a2ea91e0e4c5f766d85514af1041cfa0d53a2e9cd7a929e6cba1d";
   return value;
 }
 

@@ -10,6 +10,7 @@
 #include <ravo-orx/cli/OrxCliCommand.h>
 #include <ravo-orx/cli/OrxCliIO.h>
 #include <ravo-orx/package_check/OrxArtifactBuild.h>
+#include <ravo-orx/prove/OrxPolicyProver.h>
 
 namespace ravo::orx {
 
@@ -41,6 +42,13 @@ class RepositoryBuildLock {
   int descriptor_;
 };
 
+// A module is approved only once the prover shows that decide never traps and that the host accepts
+// every record it can emit, unless its manifest says why not.
+std::vector<std::string> provedValid(const std::string& module, std::span<const std::uint8_t> manifest,
+                                     std::span<const std::uint8_t> wasm) {
+  return orxValidityProblems(wasm, OrxPolicyManifest::decode(manifest, module + ".manifest.json"));
+}
+
 int runBuild(OrxCliArguments& arguments) {
   const OrxArtifactBuildPaths paths{arguments.option("--policies").value_or("policies"), "."};
   const fs::path artifacts = arguments.option("--artifacts").value_or("artifacts");
@@ -52,7 +60,7 @@ int runBuild(OrxCliArguments& arguments) {
   }
   const RepositoryBuildLock lock;
   auto compilers = OrxPolicyCompilers::find();
-  const auto build = buildOrxArtifacts(paths, compilers);
+  const auto build = buildOrxArtifacts(paths, compilers, provedValid);
   if (!build.failures.empty()) {
     for (const auto& failure : build.failures) std::fprintf(stderr, "ravo-orx policy build: %s\n", failure.c_str());
     std::fprintf(stderr, "ravo-orx policy build: the package check failed; nothing was written\n");
@@ -87,7 +95,10 @@ constinit const OrxCliCommand kOrxCliPolicyBuildCommand{
     "Run from the repository root. Compiles the source of record of each of the three modules\n"
     "(policies/<module>.wat with wat2wasm, .c with clang and wasm-ld, .rs with rustc), runs the\n"
     "package check on each (the runtime's module host and budgets, the manifest's contract\n"
-    "and every case) and, only when every module passes, writes the artifacts (<module>.wasm,\n"
+    "and every case), proves as 'policy prove' does that decide never traps and the host accepts every\n"
+    "record it can emit (a refuted or unknown obligation fails the module, unless its manifest's\n"
+    "\"proof\": {\"skip\": REASON} says why it need not be proved) and, only when every module\n"
+    "passes, writes the artifacts (<module>.wasm,\n"
     "<module>.package-check.json, evidence.json) and the build constants source that approves them\n"
     "(OrxBuildConstants.cpp, which the next build of the project compiles) into artifacts/. The\n"
     "directory is replaced as a whole, so a failure or a crash leaves the old set or the new one; it\n"

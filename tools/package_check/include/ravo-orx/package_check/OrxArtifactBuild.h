@@ -4,7 +4,10 @@
 // "evidence.json" and the build constants source that approves them). Nothing is written unless every
 // module passed; then the set is replaced as a whole (OrxArtifactSetWriter.h).
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -27,6 +30,13 @@ struct OrxArtifactBuildPaths {
   std::filesystem::path repositoryRoot;  // for the toolchain digest's tools/package_check/
 };
 
-OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, OrxPolicyCompilers& compilers);
+// What keeps a module that passed its package check from being approved: given the module's name,
+// its manifest's bytes and the module, the problems (none to approve it). The prover answers this
+// from a layer above the package check, so the build takes it as a function.
+using OrxModuleApproval = std::function<std::vector<std::string>(
+    const std::string& module, std::span<const std::uint8_t> manifest, std::span<const std::uint8_t> wasm)>;
+
+OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, OrxPolicyCompilers& compilers,
+                                   const OrxModuleApproval& approval = {});
 
 }  // namespace ravo::orx

@@ -66,6 +66,11 @@ class OrxProverDisagreement : public std::runtime_error {
 std::vector<OrxObligationResult> orxProvePolicy(std::span<const std::uint8_t> wasm, const OrxDecisionKind& kind,
                                                 const OrxProofOptions& options, bool validityOnly = false);
 
+// Why `policy build` may not approve `wasm`: each validity obligation (no trap, no record the host
+// refuses) refuted, with its counterexample, or left unknown, with why; nothing when all are proved or
+// when the manifest skips the proof (its "proof": {"skip": reason}). Throws as orxProvePolicy does.
+std::vector<std::string> orxValidityProblems(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest);
+
 struct OrxPolicyDifference {
   std::vector<std::string> fields;  // the fields that differ
   std::string facts;                // as a JSON object keyed by the fact names
