@@ -13,7 +13,6 @@
 #include <ravo-orx/package_check/OrxDurableFiles.h>
 #include <ravo-orx/package_check/OrxPolicyCases.h>
 #include <ravo-orx/package_check/OrxPolicyCompilers.h>
-#include <ravo-orx/prove/OrxPolicyProver.h>
 
 namespace ravo::orx {
 
@@ -78,23 +77,6 @@ std::string coverage(const OrxDecisionKind& kind, const std::vector<OrxPolicyCas
   return missing.empty() ? "its cases produce every reason" : "its cases never produce reason" + missing;
 }
 
-// The decisions the module can give (by its model, over the manifest's fact ranges) that no selected
-// case reaches: the cases a table still lacks.
-std::string unreached(std::span<const std::uint8_t> wasm, const OrxDecisionKind& kind, const OrxPolicyManifest& manifest,
-                      const std::vector<OrxPolicyCase>& cases) {
-  std::vector<std::vector<std::int32_t>> facts;
-  for (const auto& policyCase : cases) facts.push_back(policyCase.facts);
-  try {
-    const auto missing = orxUnreachedDecisions(wasm, kind, OrxProofOptions::of(kind, manifest), facts);
-    if (missing.empty()) return "its cases reach every decision the module can give";
-    std::string text;
-    for (const auto& decision : missing) text += (text.empty() ? "" : "; ") + decision;
-    return "no case reaches " + text;
-  } catch (const std::exception& error) {
-    return "the module's model cannot tell which decisions no case reaches: " + std::string(error.what());
-  }
-}
-
 bool selected(const Options& options, const std::string& module, const std::string& name) {
   return !options.run || options.run->foundIn(module + "/" + name);
 }
@@ -118,9 +100,8 @@ OrxCliModuleRun runManifest(const fs::path& file, const Options& options, std::o
   if (chosen.cases.empty()) return run;
   const OrxDecisionKind& kind = *orxDecisionKindOfModule(manifest.module);  // decode checked it
   std::vector<OrxPolicyCaseResult> results;
-  std::vector<std::uint8_t> bytes;
   try {
-    bytes = moduleBytes(file.parent_path(), manifest.module, compilers);
+    const auto bytes = moduleBytes(file.parent_path(), manifest.module, compilers);
     if (const auto problems = orxManifestContractProblems(manifest, bytes); !problems.empty()) {
       throw std::runtime_error(problems.front());
     }
@@ -140,10 +121,7 @@ OrxCliModuleRun runManifest(const fs::path& file, const Options& options, std::o
     }
     run.cases.push_back({result.policyCase->name, result.problem, warning});
   }
-  if (options.coverage) {
-    notes.push_back("coverage " + manifest.module + ": " + coverage(kind, results));
-    notes.push_back("coverage " + manifest.module + ": " + unreached(bytes, kind, manifest, chosen.cases));
-  }
+  if (options.coverage) notes.push_back("coverage " + manifest.module + ": " + coverage(kind, results));
   return run;
 }
 
@@ -209,9 +187,7 @@ constinit const OrxCliCommand kOrxCliPolicyTestCommand{
     "Prints one FAIL line per failing case (the module, the case, the expected and emitted values, or\n"
     "the assembler's whole diagnostic), a WARN line for a case whose call emitted more than once; -v\n"
     "prints a PASS line for every passing case too; --coverage prints, per module, the reason codes no\n"
-    "passing case produced, and the decisions the module can give (by the prover's model of it, over\n"
-    "the manifest's fact ranges) that no case reaches, each with facts that reach it. The last line is\n"
-    "\"N passed, M failed\".\n"
+    "passing case produced. The last line is \"N passed, M failed\".\n"
     "A manifest holds at most 10000 cases, and the cases of one run use at most 1000000000 fuel units\n"
     "together (each case's call counted once); a run that needs more stops with exit status 1.\n"
     "--run REGEX runs only the cases whose \"module/case\" the regular expression (ICU's syntax, at most\n"

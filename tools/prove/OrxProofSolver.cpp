@@ -1,17 +1,12 @@
 #include <ravo-orx/prove/OrxProofSolver.h>
 
+#include <ravo-orx/prove/SymbolicFold.h>
+
 namespace ravo::orx::internal {
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-// The formula in another context.
-z3::expr translated(const z3::expr& formula, z3::context& into) {
-  z3::expr_vector from(formula.ctx());
-  from.push_back(formula);
-  return z3::expr_vector(into, from)[0];
-}
 
 }  // namespace
 

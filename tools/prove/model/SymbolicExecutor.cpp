@@ -32,11 +32,9 @@ bool mayBeTaken(const z3::expr& path, unsigned milliseconds) {
   if (path.is_true()) return true;
   if (path.is_false()) return false;
   z3::context question;
-  z3::expr_vector from(path.ctx());
-  from.push_back(path);
   z3::solver solver(question);
-  solver.push();
-  solver.add(z3::expr_vector(question, from)[0]);
+  solver.push();  // in a scope, as OrxProofSolver asks: Z3's incremental solver
+  solver.add(translated(path, question));
   z3::params parameters(question);
   parameters.set("timeout", milliseconds);
   solver.set(parameters);

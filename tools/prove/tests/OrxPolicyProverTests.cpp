@@ -18,8 +18,6 @@ using namespace internal;
 namespace {
 
 const OrxDecisionKind& kAuthorization = orxDecisionKind(OrxDecisionKindID::authorization);
-constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
 
 // A module whose decide runs `body` (which may use $role, $command and the locals $x $y) and then
 // answers with $allowed, $reason and $version.

@@ -15,6 +15,13 @@ struct SymbolicResult {
   z3::expr traps;
 };
 
+// The formula in another context: a question is asked in a context of its own (OrxProofSolver).
+inline z3::expr translated(const z3::expr& formula, z3::context& into) {
+  z3::expr_vector from(formula.ctx());
+  from.push_back(formula);
+  return z3::expr_vector(into, from)[0];
+}
+
 inline bool isConstant(const z3::expr& e) { return e.is_numeral() || e.is_true() || e.is_false(); }
 
 inline z3::expr allOf(const z3::expr& a, const z3::expr& b) {
