@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "44f70ecf463a2ea91e0e4c5f766d85514af1041cfa0d53a2e9cd7a929e6cba1d";
+  static const std::string value = "4af04d2c76ec5bd7576d316877b95bc757d954862a88fb4a31ff631fb7ac027f";
   return value;
 }
 

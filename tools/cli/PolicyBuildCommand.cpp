@@ -42,13 +42,6 @@ class RepositoryBuildLock {
   int descriptor_;
 };
 
-// A module is approved only once the prover shows that decide never traps and that the host accepts
-// every record it can emit, unless its manifest says why not.
-std::vector<std::string> provedValid(const std::string& module, std::span<const std::uint8_t> manifest,
-                                     std::span<const std::uint8_t> wasm) {
-  return orxValidityProblems(wasm, OrxPolicyManifest::decode(manifest, module + ".manifest.json"));
-}
-
 int runBuild(OrxCliArguments& arguments) {
   const OrxArtifactBuildPaths paths{arguments.option("--policies").value_or("policies"), "."};
   const fs::path artifacts = arguments.option("--artifacts").value_or("artifacts");
@@ -60,7 +53,9 @@ int runBuild(OrxCliArguments& arguments) {
   }
   const RepositoryBuildLock lock;
   auto compilers = OrxPolicyCompilers::find();
-  const auto build = buildOrxArtifacts(paths, compilers, provedValid);
+  // A module is approved only once the prover shows that decide never traps and that the host accepts
+  // every record it can emit, unless its manifest says why not.
+  const auto build = buildOrxArtifacts(paths, compilers, orxValidityProblems);
   if (!build.failures.empty()) {
     for (const auto& failure : build.failures) std::fprintf(stderr, "ravo-orx policy build: %s\n", failure.c_str());
     std::fprintf(stderr, "ravo-orx policy build: the package check failed; nothing was written\n");

@@ -48,7 +48,7 @@ OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, OrxPolicy
   for (auto& [module, source, manifest, wasm] : compiled) {
     try {
       auto check = checkPolicyPackage(module, source, manifest, wasm, build.toolchain.compilerIdentity);
-      if (check.failures.empty() && approval) check.failures = approval(module, manifest, wasm);
+      if (check.failures.empty() && approval) check.failures = approval(*check.manifest, wasm);
       for (const auto& failure : check.failures) build.failures.push_back(module + ": " + failure);
       build.modules.push_back({module, ORXSHA256::hex(wasm), ORXSHA256::hex(source), ORXSHA256::hex(manifest)});
       records.push_back(std::move(check.evidence));

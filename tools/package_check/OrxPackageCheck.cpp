@@ -79,7 +79,7 @@ OrxPackageCheck checkPolicyPackage(const std::string& module, std::span<const st
                    {"wasmSha256", ORXSHA256::hex(wasm)},
                    {"packageCheckSha256", ORXSHA256::hex(reportText)},
                    {"packageCheckStatus", passed ? kOrxPackageCheckPassing : "fail"}};
-  return {std::move(reportText), std::move(failures), std::move(evidence)};
+  return {std::move(reportText), std::move(failures), std::move(evidence), std::move(manifest)};
 }
 
 }  // namespace ravo::orx

@@ -166,9 +166,11 @@ struct MemberType<T Object::*> {
 // paths the reader has let through arrive.
 template <class T, class Visit>
 void atPath(RavoJSONPath path, const Visit& visit) {
-  if constexpr (kIsOptional<T>) return atPath<typename T::value_type>(path, visit);
-  if (path.empty()) return visit(static_cast<T*>(nullptr));
-  if constexpr (kIsObject<T>) {
+  if constexpr (kIsOptional<T>) {
+    atPath<typename T::value_type>(path, visit);
+  } else if (path.empty()) {
+    visit(static_cast<T*>(nullptr));
+  } else if constexpr (kIsObject<T>) {
     for (const auto& key : keysOf<T>()) {
       if (key.name != path.front().key) continue;
       std::visit([&](auto field) { atPath<typename MemberType<decltype(field)>::type>(path.subspan(1), visit); },

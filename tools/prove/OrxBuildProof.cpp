@@ -2,7 +2,7 @@
 
 namespace ravo::orx {
 
-std::vector<std::string> orxValidityProblems(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest) {
+std::vector<std::string> orxValidityProblems(const OrxPolicyManifest& manifest, std::span<const std::uint8_t> wasm) {
   if (manifest.proof) return {};
   const OrxDecisionKind& kind = *orxDecisionKindOfModule(manifest.module);  // the manifest's decoding checked it
   std::vector<std::string> problems;

@@ -37,15 +37,17 @@ void orxDisagree(std::string_view facts, const std::string& problem) {
 void orxConfirm(const OrxDecisionKind& kind, std::string_view what, std::string_view facts, const OrxModelAnswer& model,
                 const OrxPolicyAnswer& runtime) {
   if (model.fields == runtime.fields && model.source == runtime.source) return;
-  std::string modelText = "{";
+  // The model's fields as the runtime's decision shows them, whatever their values.
+  OrxPolicyAnswer modelled{RavoJSON::object(), model.source, model.fields};
   for (std::size_t f = 0; f < kind.decisionFields.size(); ++f) {
     const OrxDecisionField& field = kind.decisionFields[f];
-    const std::string value = orxDecisionFieldText(field, model.fields[f]);
-    const bool isCase = field.form != OrxDecisionFieldForm::boolean && field.form != OrxDecisionFieldForm::integer;
-    modelText += "\"" + std::string(field.name) + "\":" + (isCase ? "\"" + value + "\"" : value) + ",";
+    const std::int32_t value = model.fields[f];
+    modelled.decision[std::string(field.name)] = field.form == OrxDecisionFieldForm::boolean ? RavoJSON(value != 0)
+                                                 : field.form == OrxDecisionFieldForm::integer
+                                                     ? RavoJSON(value)
+                                                     : RavoJSON(orxDecisionFieldText(field, value));
   }
-  modelText += "\"source\":\"" + std::string(orxCaseName(model.source)) + "\"}";
-  orxDisagree(facts, "for " + std::string(what) + " the model decides " + modelText + ", the runtime " +
+  orxDisagree(facts, "for " + std::string(what) + " the model decides " + orxAnswerText(modelled) + ", the runtime " +
                          orxAnswerText(runtime));
 }
 

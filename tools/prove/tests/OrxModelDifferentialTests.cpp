@@ -8,9 +8,9 @@
 #include <iostream>
 #include <random>
 
-#include <ravo-orx/loader/OrxModuleLoader.h>
 #include <ravo-orx/package_check/OrxDecisionByKind.h>
 #include <ravo-orx/prove/OrxHostDecisionModel.h>
+#include <ravo-orx/prove/OrxProverReplay.h>
 #include "runtime/tests/WatAssembler.h"
 #include "tools/prove/tests/RandomPolicyModules.h"
 
@@ -73,17 +73,13 @@ struct Outcome {
   }
 };
 
+// The runtime's own decision path and the toolchain's explained call, as the prover replays a
+// counterexample.
 Outcome interpreted(std::span<const std::uint8_t> wasm, std::span<const std::int32_t> facts) {
-  const auto module = loadModule(kSync.module, wasm, /*allowPrecompiled=*/false);  // holds what the call emitted
-  const OrxInvocation call = module->invoke(facts);
-  const bool trapped = static_cast<bool>(call.error);
-  Outcome outcome{trapped, trapped ? std::nullopt : call.result, std::nullopt, {}, {}};
-  if (call.emitted) outcome.emitted = *call.emitted;
-  OrxPolicyDecider decider(orxModulesWith(kSync, loadModule(kSync.module, wasm, /*allowPrecompiled=*/false)));
-  const OrxPolicyAnswer answer = orxDecide(kSync, decider, facts);
-  outcome.fields = answer.fields;
-  outcome.source = answer.source;
-  return outcome;
+  const OrxReplay replay = orxReplay(wasm, kSync, facts);
+  const bool trapped = replay.call.trap.has_value();
+  return {trapped, trapped ? std::nullopt : replay.call.result, replay.call.emitted, replay.answer.fields,
+          replay.answer.source};
 }
 
 Outcome modelled(const OrxHostDecisionModel& host, const FixedFacts& model) {

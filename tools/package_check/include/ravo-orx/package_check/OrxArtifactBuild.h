@@ -14,6 +14,7 @@
 #include <ravo-orx/package_check/OrxArtifactSetWriter.h>
 #include <ravo-orx/package_check/OrxBuildConstantsSource.h>
 #include <ravo-orx/package_check/OrxPolicyCompilers.h>
+#include <ravo-orx/package_check/OrxPolicyManifest.h>
 #include <ravo-orx/package_check/OrxToolchainIdentity.h>
 
 namespace ravo::orx {
@@ -30,11 +31,11 @@ struct OrxArtifactBuildPaths {
   std::filesystem::path repositoryRoot;  // for the toolchain digest's tools/package_check/
 };
 
-// What keeps a module that passed its package check from being approved: given the module's name,
-// its manifest's bytes and the module, the problems (none to approve it). The prover answers this
-// from a layer above the package check, so the build takes it as a function.
-using OrxModuleApproval = std::function<std::vector<std::string>(
-    const std::string& module, std::span<const std::uint8_t> manifest, std::span<const std::uint8_t> wasm)>;
+// What keeps a module that passed its package check from being approved: given its manifest (as the
+// check read it) and the module, the problems (none to approve it). The prover answers this from a
+// layer above the package check, so the build takes it as a function.
+using OrxModuleApproval =
+    std::function<std::vector<std::string>(const OrxPolicyManifest& manifest, std::span<const std::uint8_t> wasm)>;
 
 OrxArtifactBuild buildOrxArtifacts(const OrxArtifactBuildPaths& paths, OrxPolicyCompilers& compilers,
                                    const OrxModuleApproval& approval = {});

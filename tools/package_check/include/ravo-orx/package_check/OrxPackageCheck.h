@@ -5,11 +5,14 @@
 // "<module>.package-check.json", is deterministic: no times, no paths.
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include <nlohmann/json.hpp>
+
+#include <ravo-orx/package_check/OrxPolicyManifest.h>
 
 namespace ravo::orx {
 
@@ -17,6 +20,7 @@ struct OrxPackageCheck {
   std::string report;                  // the bytes of "<module>.package-check.json"
   std::vector<std::string> failures;   // empty when the module passed
   nlohmann::ordered_json evidence;     // the module's record in "evidence.json"
+  std::optional<OrxPolicyManifest> manifest;  // as read, when it keeps its schema
 };
 
 OrxPackageCheck checkPolicyPackage(const std::string& module, std::span<const std::uint8_t> source,

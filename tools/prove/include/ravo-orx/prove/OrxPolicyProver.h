@@ -69,7 +69,7 @@ std::vector<OrxObligationResult> orxProvePolicy(std::span<const std::uint8_t> wa
 // Why `policy build` may not approve `wasm`: each validity obligation (no trap, no record the host
 // refuses) refuted, with its counterexample, or left unknown, with why; nothing when all are proved or
 // when the manifest skips the proof (its "proof": {"skip": reason}). Throws as orxProvePolicy does.
-std::vector<std::string> orxValidityProblems(std::span<const std::uint8_t> wasm, const OrxPolicyManifest& manifest);
+std::vector<std::string> orxValidityProblems(const OrxPolicyManifest& manifest, std::span<const std::uint8_t> wasm);
 
 struct OrxPolicyDifference {
   std::vector<std::string> fields;  // the fields that differ
