@@ -16,14 +16,16 @@ const std::string kAuthz = (kRoot / "policies/player_authz.wat").string();
 const std::string kAuthzManifest = (kRoot / "policies/player_authz.manifest.json").string();
 const std::string kExamples = (kRoot / "examples/policies").string() + "/";
 
-// The authorization policy with one line changed: `from` must occur in it exactly once.
-std::string authzWith(const std::string& from, const std::string& to) {
-  std::string text = fileText(kAuthz);
+// `text` with `from`, which must occur in it exactly once, replaced by `to`.
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
   const auto at = text.find(from);
   EXPECT_NE(at, std::string::npos) << from;
   EXPECT_EQ(text.find(from, at + 1), std::string::npos) << from;
   return text.replace(at, from.size(), to);
 }
+
+// The authorization policy with one line changed.
+std::string authzWith(const std::string& from, const std::string& to) { return replaced(fileText(kAuthz), from, to); }
 
 // The token is live while age < TTL; the copy keeps it live at age == TTL.
 const std::string kLiveToken = "(i32.ge_s (local.get $tokenAgeMilliseconds) (local.get $tokenTTLMilliseconds))";
@@ -130,6 +132,25 @@ TEST(RavoOrxPolicyProof, BuildApprovesOnlyModulesProvedValidUnlessTheManifestSay
             std::string::npos)
       << refused;
   EXPECT_FALSE(fs::exists(tree.root / "artifacts")) << "a refused build wrote artifacts";
+
+  // A loop of up to 127 turns before every answer: past the prover's unroll bound, so nothing is proved.
+  const std::string spinning = replaced(
+      authzWith("  (func $deny (param $command i32)",
+                "  (func $spin (param $n i32) (local $i i32)\n"
+                "    (block $done (loop $more\n"
+                "      (br_if $done (i32.ge_u (local.get $i) (i32.and (local.get $n) (i32.const 127))))\n"
+                "      (local.set $i (i32.add (local.get $i) (i32.const 1)))\n"
+                "      (br $more))))\n\n"
+                "  (func $deny (param $command i32)"),
+      "    (drop (call $emit (i32.const 5201)", "    (call $spin (local.get $command))\n    (drop (call $emit (i32.const 5201)");
+  std::ofstream(tree.root / "policies/player_authz.wat", std::ios::binary) << spinning;
+  const Outcome unproved = tree.build();
+  EXPECT_EQ(unproved.status, 1) << unproved;
+  EXPECT_NE(unproved.err.find("ravo-orx policy build: player_authz: not proved: decide never traps: a loop may run more "
+                              "than 64 iterations (the unroll bound)"),
+            std::string::npos)
+      << unproved;
+  std::ofstream(tree.root / "policies/player_authz.wat", std::ios::binary) << authzWith(kVersion, kVersionZeroFor77);
 
   const auto manifestPath = tree.root / "policies/player_authz.manifest.json";
   std::string manifest = fileText(manifestPath);

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include <ravo-orx/prove/OrxPolicyProver.h>
+#include <ravo-orx/prove/OrxProofSession.h>
 #include <ravo-orx/prove/OrxProverReplay.h>
 #include <ravo-orx/runtime/OrxLog.h>
 #include "runtime/tests/WatAssembler.h"
@@ -93,6 +94,13 @@ TEST(OrxPolicyProver, ProvesRefutesOrSaysWhyItCannotTell) {
   const auto deciding = authorization(R"(
     (if (i32.eq (local.get $role) (i32.const 2)) (then (local.set $allowed (i32.const 1))))
     (local.set $reason (select (i32.const 0) (i32.const 5) (local.get $allowed))))");
+  // Version 0 only for two factors of a large odd number: a question no solver answers in 1 ms.
+  const auto factoring = authorization(R"(
+    (if (i32.and (i32.eq (i32.mul (local.get $role) (local.get $command)) (i32.const 1000000007))
+                 (i32.and (i32.gt_u (local.get $role) (i32.const 1)) (i32.gt_u (local.get $command) (i32.const 1))))
+      (then (local.set $version (i32.const 0)))))");
+  auto slow = all;
+  slow.timeoutMilliseconds = 1;
   const Case cases[] = {
       {"a division by a fact traps", dividing, all, kNoTrap, "refuted facts {\"role\":0"},
       {"unless the range excludes 0", dividing, within({{0, {1, 10}}}), kNoTrap, "proved"},
@@ -116,6 +124,7 @@ TEST(OrxPolicyProver, ProvesRefutesOrSaysWhyItCannotTell) {
       {"a property that does not", deciding, within({}, {"role == 2 implies reason == notController"}),
        "property \"role == 2 implies reason == notController\"",
        "refuted facts {\"role\":2,"},
+      {"a question past the time limit", factoring, slow, kVersion, "unknown time limit (1 ms)"},
       {"a property of the fail-safe decision", dividing, within({}, {"reason != runtimeUnavailable"}),
        "property \"reason != runtimeUnavailable\"", "refuted facts {\"role\":0,"},
   };
@@ -127,6 +136,24 @@ TEST(OrxPolicyProver, ProvesRefutesOrSaysWhyItCannotTell) {
     EXPECT_TRUE(verdictOf(*found).starts_with(c.verdict)) << c.name << ": " << verdictOf(*found);
   }
   setOrxLogSink({});
+}
+
+// Whether the model answers everywhere is a question too: one past the time limit leaves it open.
+TEST(OrxPolicyProver, WhereTheModelAnswersIsUnknownPastTheTimeLimit) {
+  const auto spinning = authorization(R"(
+    (if (i32.and (i32.eq (i32.mul (local.get $role) (local.get $command)) (i32.const 1000000007))
+                 (i32.and (i32.gt_u (local.get $role) (i32.const 1)) (i32.gt_u (local.get $command) (i32.const 1))))
+      (then (loop $forever (br $forever)))))");
+  for (const unsigned milliseconds : {1u, 5000u}) {
+    auto options = OrxProofOptions::unrestricted(kAuthorization);
+    options.timeoutMilliseconds = milliseconds;
+    OrxProofSession session(kAuthorization, options);
+    const OrxHostDecisionModel host = session.model(spinning);
+    const auto why = session.unanswered({&host});
+    ASSERT_TRUE(why.has_value()) << milliseconds;
+    EXPECT_TRUE(why->starts_with(milliseconds == 1 ? "time limit (1 ms)" : "a loop may run more than 64 iterations"))
+        << *why;
+  }
 }
 
 TEST(OrxPolicyProver, ACounterexampleNamesTheRuntimesDecisionAndWhy) {
@@ -158,6 +185,8 @@ TEST(OrxPolicyProver, ARuntimeThatDisagreesWithTheModelIsTheProversFault) {
   runtime.fields = model.fields;
   runtime.source = model.source;
   EXPECT_NO_THROW(orxConfirm(kAuthorization, "the module", "{}", model, runtime));
+  runtime.source = OrxDecisionSource::invalidOutput;  // the same fields from another path
+  EXPECT_THROW(orxConfirm(kAuthorization, "the module", "{}", model, runtime), OrxProverDisagreement);
 }
 
 TEST(OrxPolicyProver, DiffListsEachWayTwoModulesDiffer) {
