@@ -177,6 +177,11 @@ TEST(RavoOrxPolicy, TestRefusesEveryBreachOfTheManifestSchema) {
        R"("cases"[0]: "emits": expected an array)"},
       {"\n}\n", "\n}\n[]", "malformed JSON"},
       {"\n}\n", std::string("\n}\n\0", 4), "malformed JSON: unexpected NUL byte"},
+      // What the prover is told: a range that ends just before it starts is empty; a skip says why.
+      {"\n}\n", R"(, "factRanges": [{"fact": "role", "from": 3, "to": 2}]
+}
+)", R"("factRanges"[0]: the range 3..2 is empty)"},
+      {"\n}\n", ",\"proof\": {\"skip\": \" \\t \"}\n}\n", R"("proof": "skip": a skipped proof states its reason)"},
   };
   for (const auto& row : rows) {
     const fs::path manifest = scratch.path / "player_authz.manifest.json";
