@@ -11,7 +11,7 @@ const std::string& OrxBuildConstants::compilerIdentity() {
 }
 
 const std::string& OrxBuildConstants::toolchainBundleSha256() {
-  static const std::string value = "4af04d2c76ec5bd7576d316877b95bc757d954862a88fb4a31ff631fb7ac027f";
+  static const std::string value = "56891a664943dc5746f67515193953fc2ebf9ff5e41dab3e8aa9210ea61c2094";
   return value;
 }
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <optional>
-#include <set>
 
 #include <ravo-orx/core/ORXMessageText.h>
 #include <ravo-orx/runtime/OrxArtifactFiles.h>
@@ -13,6 +13,7 @@
 #include <ravo-orx/package_check/OrxDurableFiles.h>
 #include <ravo-orx/package_check/OrxPolicyCases.h>
 #include <ravo-orx/package_check/OrxPolicyCompilers.h>
+#include <ravo-orx/prove/OrxPolicyProver.h>
 
 namespace ravo::orx {
 
@@ -64,17 +65,25 @@ std::vector<std::uint8_t> moduleBytes(const fs::path& directory, const std::stri
   return readArtifactFile(directory / orxModuleFileName(module));
 }
 
-// The reasons no passing case answered with: what the cases leave untested.
-std::string coverage(const OrxDecisionKind& kind, const std::vector<OrxPolicyCaseResult>& results) {
-  std::set<std::int32_t> produced;
+// What the passing cases leave untested: each named decision value the module can give, by the model
+// within the manifest's ranges, that no passing case reaches, with facts that reach it.
+std::vector<std::string> coverage(const OrxPolicyManifest& manifest, const OrxDecisionKind& kind,
+                                  std::span<const std::uint8_t> wasm, const std::vector<OrxPolicyCaseResult>& results) {
+  const std::string label = "coverage " + manifest.module + ": ";
+  std::vector<std::vector<std::int32_t>> passing;
   for (const auto& result : results) {
-    if (result.problem.empty() && result.reason) produced.insert(*result.reason);
+    if (result.problem.empty()) passing.push_back(result.policyCase->facts);
   }
-  std::string missing;
-  for (std::size_t code = 0; code < kind.reasonNames.size(); ++code) {
-    if (!produced.contains(static_cast<std::int32_t>(code))) missing += " " + std::string(kind.reasonNames[code]);
+  std::vector<std::string> notes;
+  try {
+    for (const auto& missed : orxUnreachedDecisions(wasm, kind, OrxProofOptions::of(kind, manifest), passing)) {
+      notes.push_back(label + "no case reaches " + missed);
+    }
+  } catch (const std::exception& error) {
+    return {label + "not computed: " + error.what()};
   }
-  return missing.empty() ? "its cases produce every reason" : "its cases never produce reason" + missing;
+  if (notes.empty()) notes.push_back(label + "its cases reach every reason and decision the module can give");
+  return notes;
 }
 
 bool selected(const Options& options, const std::string& module, const std::string& name) {
@@ -100,8 +109,9 @@ OrxCliModuleRun runManifest(const fs::path& file, const Options& options, std::o
   if (chosen.cases.empty()) return run;
   const OrxDecisionKind& kind = *orxDecisionKindOfModule(manifest.module);  // decode checked it
   std::vector<OrxPolicyCaseResult> results;
+  std::vector<std::uint8_t> bytes;
   try {
-    const auto bytes = moduleBytes(file.parent_path(), manifest.module, compilers);
+    bytes = moduleBytes(file.parent_path(), manifest.module, compilers);
     if (const auto problems = orxManifestContractProblems(manifest, bytes); !problems.empty()) {
       throw std::runtime_error(problems.front());
     }
@@ -121,7 +131,7 @@ OrxCliModuleRun runManifest(const fs::path& file, const Options& options, std::o
     }
     run.cases.push_back({result.policyCase->name, result.problem, warning});
   }
-  if (options.coverage) notes.push_back("coverage " + manifest.module + ": " + coverage(kind, results));
+  if (options.coverage) std::ranges::move(coverage(manifest, kind, bytes, results), std::back_inserter(notes));
   return run;
 }
 
@@ -186,8 +196,10 @@ constinit const OrxCliCommand kOrxCliPolicyTestCommand{
     "accept them as the decision they stand for.\n"
     "Prints one FAIL line per failing case (the module, the case, the expected and emitted values, or\n"
     "the assembler's whole diagnostic), a WARN line for a case whose call emitted more than once; -v\n"
-    "prints a PASS line for every passing case too; --coverage prints, per module, the reason codes no\n"
-    "passing case produced. The last line is \"N passed, M failed\".\n"
+    "prints a PASS line for every passing case too. --coverage asks the prover, per module, which reason,\n"
+    "boolean, action or route the module can give within the manifest's fact ranges that no passing case\n"
+    "reaches, and prints a line for each with facts that reach it (see policy prove for its limits).\n"
+    "The last line is \"N passed, M failed\".\n"
     "A manifest holds at most 10000 cases, and the cases of one run use at most 1000000000 fuel units\n"
     "together (each case's call counted once); a run that needs more stops with exit status 1.\n"
     "--run REGEX runs only the cases whose \"module/case\" the regular expression (ICU's syntax, at most\n"

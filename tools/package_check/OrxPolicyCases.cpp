@@ -74,11 +74,9 @@ std::vector<OrxPolicyCaseResult> runPolicyCases(std::span<const std::uint8_t> wa
     Observed observed{call.result, std::nullopt, call.error};
     if (call.emitted) observed.emitted = *call.emitted;
     const auto answer = orxDecide(kind, decider, policyCase.facts);
-    std::optional<std::int32_t> reason;
-    if (observed.emitted && observed.emitted->size() > kind.reasonIndex) reason = (*observed.emitted)[kind.reasonIndex];
     const auto explained = orxExplainCall(*measured, kind, policyCase.facts);
     fuel.charge(explained.measure.fuel);
-    results.push_back({&policyCase, caseProblem(observed, answer, policyCase, kind), reason, explained.measure.emits});
+    results.push_back({&policyCase, caseProblem(observed, answer, policyCase, kind), explained.measure.emits});
   }
   return results;
 }

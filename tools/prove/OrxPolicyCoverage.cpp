@@ -1,5 +1,6 @@
 #include <ravo-orx/prove/OrxPolicyProver.h>
 
+#include <numeric>
 #include <set>
 
 #include <ravo-orx/loader/OrxModuleLoader.h>
@@ -14,17 +15,15 @@ using namespace internal;
 
 namespace {
 
-// An integer field may take very many values: the first few the cases miss are named.
-constexpr std::size_t kMaxNamedValues = 4;
-
-// The values a field's form allows, or nothing for an integer.
-std::optional<std::vector<std::int32_t>> valuesOf(OrxDecisionFieldForm form) {
+// The values a field can name: a boolean's, an enumeration's, or the kind's reason codes for a reason
+// held as a plain number (sync's); nothing for any other integer.
+std::optional<std::vector<std::int32_t>> valuesOf(const OrxDecisionKind& kind, const OrxDecisionField& field) {
   auto cases = [](auto table) {
     std::vector<std::int32_t> values;
     for (const auto& [value, name] : table.entries) values.push_back(rawValue(value));
     return values;
   };
-  switch (form) {
+  switch (field.form) {
     case OrxDecisionFieldForm::boolean: return std::vector<std::int32_t>{0, 1};
     case OrxDecisionFieldForm::authorizationReason: return cases(ORXRawValueTable<OrxAuthorizationReason>{});
     case OrxDecisionFieldForm::syncAction: return cases(ORXRawValueTable<OrxSyncAction>{});
@@ -32,7 +31,10 @@ std::optional<std::vector<std::int32_t>> valuesOf(OrxDecisionFieldForm form) {
     case OrxDecisionFieldForm::cinemaReason: return cases(ORXRawValueTable<OrxCinemaAdmissionReason>{});
     case OrxDecisionFieldForm::integer: break;
   }
-  return std::nullopt;
+  if (field.emittedIndex != kind.reasonIndex) return std::nullopt;
+  std::vector<std::int32_t> codes(kind.reasonNames.size());
+  std::iota(codes.begin(), codes.end(), 0);
+  return codes;
 }
 
 }  // namespace
@@ -55,40 +57,24 @@ std::vector<std::string> orxUnreachedDecisions(std::span<const std::uint8_t> was
   std::vector<std::string> unreached;
   for (std::size_t f = 0; f < kind.decisionFields.size(); ++f) {
     const OrxDecisionField& field = kind.decisionFields[f];
-    const z3::expr& value = host.fields[f];
-    // A witness for a value no case reaches, confirmed by the runtime.
-    auto report = [&](const z3::model& model) {
-      const auto facts = session.factsIn(model);
+    // An integer field's values are too many to list one by one, and asking the solver for the values
+    // no case gives takes long and depends on the time limit: only fields of named values are covered.
+    const auto values = valuesOf(kind, field);
+    if (!values) continue;
+    for (const std::int32_t candidate : *values) {
+      if (reached[f].count(candidate)) continue;
+      const std::string what = std::string(field.name) + " " + orxDecisionFieldText(field, candidate);
+      const OrxSolverOutcome outcome = session.check(allOf(answered, folded(host.fields[f] == candidate)));
+      if (outcome.answer == OrxSolverAnswer::unknown) {
+        unreached.push_back(what + ": unknown (" + outcome.unknownReason + ")");
+      }
+      if (outcome.answer != OrxSolverAnswer::satisfiable) continue;
+      // A witness, confirmed by the runtime before it is shown.
+      const auto facts = session.factsIn(*outcome.model);
       const std::string json = session.factsJSON(facts);
-      const std::int32_t reachable = orxModelValue(model, value);
-      const OrxReplay replay = orxReplay(wasm, kind, facts);
-      orxConfirm(kind, "the module", json, orxModelAnswer(host, model), replay.answer);
-      unreached.push_back(std::string(field.name) + " " + orxDecisionFieldText(field, reachable) + ", as for facts " + json);
-      return reachable;
-    };
-    auto unknown = [&](const std::string& what, const std::string& why) {
-      unreached.push_back(std::string(field.name) + " " + what + ": unknown (" + why + ")");
-    };
-    if (const auto values = valuesOf(field.form)) {
-      for (const std::int32_t candidate : *values) {
-        if (reached[f].count(candidate)) continue;
-        const OrxSolverOutcome outcome = session.check(allOf(answered, folded(value == candidate)));
-        if (outcome.answer == OrxSolverAnswer::satisfiable) report(*outcome.model);
-        if (outcome.answer == OrxSolverAnswer::unknown) unknown(orxDecisionFieldText(field, candidate), outcome.unknownReason);
-      }
-      continue;
-    }
-    z3::expr missed = answered;
-    for (const std::int32_t known : reached[f]) missed = allOf(missed, folded(value != known));
-    for (std::size_t named = 0; named <= kMaxNamedValues; ++named) {
-      const OrxSolverOutcome outcome = session.check(missed);
-      if (outcome.answer == OrxSolverAnswer::unknown) unknown("values", outcome.unknownReason);
-      if (outcome.answer != OrxSolverAnswer::satisfiable) break;
-      if (named == kMaxNamedValues) {
-        unreached.push_back(std::string(field.name) + ": more values than these");
-        break;
-      }
-      missed = allOf(missed, folded(value != report(*outcome.model)));
+      const OrxPolicyAnswer replayed = orxReplay(wasm, kind, facts).answer;
+      orxConfirm(kind, "the module", json, orxModelAnswer(host, *outcome.model), replayed);
+      unreached.push_back(what + ", as for facts " + json);
     }
   }
   if (const auto why = session.unanswered({&host})) unreached.push_back("the model does not answer everywhere: " + *why);

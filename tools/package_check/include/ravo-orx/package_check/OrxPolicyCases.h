@@ -18,8 +18,7 @@ namespace ravo::orx {
 struct OrxPolicyCaseResult {
   const OrxPolicyCase* policyCase;
   std::string problem;                // empty when the case passed: "expected [..], emitted [..]"
-  std::optional<std::int32_t> reason;  // the reason code the module emitted, if it emitted a record
-  std::size_t emits = 0;               // how often the call emitted: more than once is worth a warning
+  std::size_t emits = 0;              // how often the call emitted: more than once is worth a warning
 };
 
 // The fuel the cases of one run may use together, counted once per case as its measured call used it.
