@@ -1,6 +1,7 @@
-// `ravo-orx policy prove`, `policy diff` and the proof step of `policy build`, run as an author runs
-// them: every exit status, the counterexamples they print (replayed, so their facts reach what they
-// claim), and the build refusing a module whose record the host can refuse unless its manifest says why.
+// `ravo-orx policy prove`, `policy diff`, `policy test --coverage` and the proof step of `policy build`,
+// run as an author runs them: every exit status, the counterexamples and witnesses they print (replayed,
+// so their facts reach what they claim), and the build refusing a module whose record the host can
+// refuse unless its manifest says why.
 #include <regex>
 
 #include "tools/cli/tests/OrxCliBuildTree.h"
@@ -77,7 +78,7 @@ TEST(RavoOrxPolicyProof, ProveAndDiffAnswerWithTheirExitStatuses) {
         "10 proved, 1 refuted, 0 unknown"}},
       // The C allow-list keeps its loop: past the unroll bound nothing is proved, nothing refuted.
       {{"policy", "prove", kExamples + "c/player_authz.c", "authz", "--unroll", "1"}, 4,
-       {"unknown  decide never traps: a loop may run more than 1 iterations \\(the unroll bound\\), as for facts "
+       {"unknown  decide never traps: a loop may run more than 1 iteration \\(the unroll bound\\), as for facts "
         "\\{.*\\}",
         "0 proved, 0 refuted, 9 unknown"}},
       {{"policy", "prove", kAuthz}, 2, {}, "missing authz, sync or cinema"},
@@ -108,6 +109,19 @@ TEST(RavoOrxPolicyProof, ProveAndDiffAnswerWithTheirExitStatuses) {
        {"emitted\\[4\\]: differs for every facts vector", "emitted\\[0\\]: the same for every facts vector"}},
       {{"policy", "diff", kAuthz, kExamples + "c/player_authz.c", "authz", "--unroll", "1"}, 4, {}, ""},
       {{"policy", "diff", kAuthz, "authz"}, 2, {}, "authz"},
+
+      // Coverage names what the selected cases leave unreached, with facts that reach it.
+      {{"policy", "test", "--coverage", "--run", "^player_authz/(?!controller may not|admin-only mode refuses)",
+        kAuthzManifest},
+       0,
+       {"coverage player_authz: no case reaches reason needsAdmin, as for facts \\{\"role\":2,.*\\}",
+        "30 passed, 0 failed"}},
+      {{"policy", "test", "--coverage", "--run", "drift inside|drift at the|small drift ahead",
+        (kRoot / "policies/sync_correction.manifest.json").string()},
+       0,
+       {"coverage sync_correction: no case reaches action seek, as for facts \\{.*\\}",
+        "coverage sync_correction: no case reaches reason 1, as for facts \\{.*\\}",
+        "coverage sync_correction: no case reaches reason 5, as for facts \\{.*\\}", "3 passed, 0 failed"}},
   };
   for (const auto& row : rows) {
     const Outcome outcome = run(row.arguments, "");

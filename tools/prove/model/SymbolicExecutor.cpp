@@ -24,6 +24,9 @@ constexpr std::uint64_t kCallOverhead = 16;
 // How long the model asks the solver whether a loop's next iteration can be reached at all.
 constexpr unsigned kPathCheckMilliseconds = 200;
 
+// How many modelled instructions pass between two looks at the clock.
+constexpr std::uint64_t kInstructionsPerClockCheck = 4096;
+
 const char* const kChangesInstance = "decide may leave the instance changed for the next call (a global, the memory or its size)";
 
 // Whether some facts may take the path: false only when the solver shows none can, within a short
@@ -79,7 +82,19 @@ std::optional<unsigned> integerBits(Type type) {
 
 SymbolicExecutor::SymbolicExecutor(const wabt::Module& module, z3::context& context,
                                    const SymbolicMemoryModel& memory, Budgets budgets)
-    : module_(module), memory_(memory), budgets_(budgets), context_(context), trapped_(context.bool_val(false)) {}
+    : module_(module),
+      memory_(memory),
+      budgets_(budgets),
+      deadline_(std::chrono::steady_clock::now() + budgets.timeLimit),
+      context_(context),
+      trapped_(context.bool_val(false)) {}
+
+bool SymbolicExecutor::outOfTime(std::optional<SymbolicState>& state) {
+  if (std::chrono::steady_clock::now() < deadline_) return false;
+  gap(state, context_.bool_val(true),
+      "the model took longer to build than the time limit (" + std::to_string(budgets_.timeLimit.count()) + " ms)");
+  return true;
+}
 
 z3::expr SymbolicExecutor::zeroOf(Type type) const {
   // Values of types the model does not follow (floats, references, vectors) stand as an opaque 32-bit
@@ -240,6 +255,8 @@ void SymbolicExecutor::run(const wabt::ExprList& list, Frame& frame, std::option
           "the unrolled code has more than " + std::to_string(budgets_.maxInstructions) + " instructions");
       return;
     }
+    // Reading the clock costs more than modelling an instruction: a small module never looks.
+    if (instructions_ % kInstructionsPerClockCheck == 0 && outOfTime(state)) return;
     step(expr, frame, state);
   }
 }
@@ -293,9 +310,11 @@ void SymbolicExecutor::loop(const wabt::Block& body, Frame& frame, std::optional
   std::vector<SymbolicState> exits;
   std::optional<SymbolicState> entry = std::move(state);
   for (unsigned iteration = 0; entry; ++iteration) {
+    if (iteration > 0 && outOfTime(entry)) break;
     if (iteration == budgets_.unrollBound) {
       gap(entry, context_.bool_val(true),
-          "a loop may run more than " + std::to_string(budgets_.unrollBound) + " iterations (the unroll bound)");
+          "a loop may run more than " + std::to_string(budgets_.unrollBound) +
+              (budgets_.unrollBound == 1 ? " iteration" : " iterations") + " (the unroll bound)");
       break;
     }
     fuelBound_ += 1 + staticCost(body.exprs) + kChargeOverhead;
@@ -308,7 +327,9 @@ void SymbolicExecutor::loop(const wabt::Block& body, Frame& frame, std::optional
     // A loop whose exit depends on the facts would otherwise be unrolled to the bound even when no
     // facts take it that far: a path the solver shows impossible ends here.
     if (!again.empty()) entry = joined(again);
-    if (entry && !mayBeTaken(entry->reach, kPathCheckMilliseconds)) entry.reset();
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline_ - std::chrono::steady_clock::now());
+    const auto checkFor = static_cast<unsigned>(std::clamp<std::int64_t>(left.count(), 1, kPathCheckMilliseconds));
+    if (entry && !mayBeTaken(entry->reach, checkFor)) entry.reset();
   }
   state.reset();
   if (!exits.empty()) state = joined(exits);

@@ -2,6 +2,7 @@
 // (each counterexample replayed by the runtime), and what it leaves unknown and why. Each module is an
 // authorization policy whose last emission is [5201, allowed, command, reason, version].
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -138,7 +139,9 @@ TEST(OrxPolicyProver, ProvesRefutesOrSaysWhyItCannotTell) {
   setOrxLogSink({});
 }
 
-// Whether the model answers everywhere is a question too: one past the time limit leaves it open.
+// Whether the model answers everywhere is a question too: one past the time limit leaves it open. The
+// time limit bounds building the model as well: the loop's second iteration is not modelled once a
+// millisecond has gone into asking whether facts reach it.
 TEST(OrxPolicyProver, WhereTheModelAnswersIsUnknownPastTheTimeLimit) {
   const auto spinning = authorization(R"(
     (if (i32.and (i32.eq (i32.mul (local.get $role) (local.get $command)) (i32.const 1000000007))
@@ -149,11 +152,31 @@ TEST(OrxPolicyProver, WhereTheModelAnswersIsUnknownPastTheTimeLimit) {
     options.timeoutMilliseconds = milliseconds;
     OrxProofSession session(kAuthorization, options);
     const OrxHostDecisionModel host = session.model(spinning);
+    ASSERT_EQ(host.call.gaps.size(), 1u) << milliseconds;
+    EXPECT_EQ(host.call.gaps[0].reason, milliseconds == 1 ? "the model took longer to build than the time limit (1 ms)"
+                                                          : "a loop may run more than 64 iterations (the unroll bound)");
     const auto why = session.unanswered({&host});
     ASSERT_TRUE(why.has_value()) << milliseconds;
     EXPECT_TRUE(why->starts_with(milliseconds == 1 ? "time limit (1 ms)" : "a loop may run more than 64 iterations"))
         << *why;
   }
+}
+
+// Calls alone can make a model large: five levels of functions that each call the next eight times
+// model some 300,000 instructions without a loop, and stop at the time limit as a loop does.
+TEST(OrxPolicyProver, ABranchingCallTreeStopsAtTheTimeLimit) {
+  std::string functions = "(func $f5 (param i32) (result i32) (i32.xor (i32.mul (local.get 0) (i32.const 31)) (i32.const 7)))";
+  for (int level = 4; level >= 0; --level) {
+    std::string body = "(local.get 0)";
+    for (int call = 0; call < 8; ++call) body = "(call $f" + std::to_string(level + 1) + " (i32.add " + body + " (i32.const 1)))";
+    functions += "(func $f" + std::to_string(level) + " (param i32) (result i32) " + body + ")";
+  }
+  auto options = OrxProofOptions::unrestricted(kAuthorization);
+  options.timeoutMilliseconds = 1;
+  OrxProofSession session(kAuthorization, options);
+  const OrxHostDecisionModel host = session.model(authorization("(local.set $x (call $f0 (local.get $role)))", functions));
+  ASSERT_EQ(host.call.gaps.size(), 1u);
+  EXPECT_EQ(host.call.gaps[0].reason, "the model took longer to build than the time limit (1 ms)");
 }
 
 TEST(OrxPolicyProver, ACounterexampleNamesTheRuntimesDecisionAndWhy) {
@@ -220,6 +243,19 @@ TEST(OrxPolicyProver, CoverageNamesTheDecisionsNoCaseReaches) {
   ASSERT_EQ(unreached.size(), 2u);
   EXPECT_TRUE(unreached[0].starts_with("isAllowed true, as for facts {\"role\":2,")) << unreached[0];
   EXPECT_TRUE(unreached[1].starts_with("reason needsAdmin, as for facts {\"role\":5,")) << unreached[1];
+
+  // needsAdmin only for two factors of a large odd number: within 1 ms, whether any facts reach it (or
+  // anything else no case reached) is left open, and said so.
+  const auto factoring = authorization(R"(
+    (if (i32.and (i32.eq (i32.mul (local.get $role) (local.get $command)) (i32.const 1000000007))
+                 (i32.and (i32.gt_u (local.get $role) (i32.const 1)) (i32.gt_u (local.get $command) (i32.const 1))))
+      (then (local.set $reason (i32.const 7)))))");
+  auto slow = OrxProofOptions::unrestricted(kAuthorization);
+  slow.timeoutMilliseconds = 1;
+  setOrxLogSink([](OrxLogLevel, std::string_view) {});
+  const auto open = orxUnreachedDecisions(factoring, kAuthorization, slow, {{0, 0, 0, 0, 0, 0, 0, 0}});
+  setOrxLogSink({});
+  EXPECT_THAT(open, testing::Contains("reason needsAdmin: unknown (time limit (1 ms))"));
 }
 
 }  // namespace

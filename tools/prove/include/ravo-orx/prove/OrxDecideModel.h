@@ -12,6 +12,7 @@
 //
 // Compiled as C++17 with wabt, like the engine: nothing here includes the runtime's C++20 headers.
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -42,6 +43,9 @@ struct OrxDecideModel {
 struct OrxModelLimits {
   unsigned unrollBound = 64;            // iterations of a loop per entry into it
   std::uint64_t maxInstructions = 2'000'000;  // instructions modelled over all paths, loops unrolled
+  // Building the model, the solver's checks of loop paths included; what is left unmodelled past it
+  // is a gap, as past the other limits.
+  std::chrono::milliseconds timeLimit{5000};
 };
 
 // The model of `decide` called with `facts` (32-bit vectors, in argument order; arguments past them

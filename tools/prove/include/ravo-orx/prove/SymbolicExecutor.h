@@ -8,6 +8,7 @@
 #include <wabt/cast.h>
 #include <wabt/ir.h>
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -28,6 +29,7 @@ class SymbolicExecutor {
     bool metered;  // the host meters the module: a call chain deeper than the stack budget traps
     unsigned unrollBound;
     std::uint64_t maxInstructions;
+    std::chrono::milliseconds timeLimit;  // from the executor's construction
   };
 
   SymbolicExecutor(const wabt::Module& module, z3::context& context, const SymbolicMemoryModel& memory,
@@ -84,12 +86,16 @@ class SymbolicExecutor {
   void numeric(wabt::Opcode opcode, unsigned operands, std::optional<SymbolicState>& state);
   void unsupported(const std::string& what, std::optional<SymbolicState>& state);
 
+  // Whether the time limit has passed; when it has, the state ends in a gap.
+  bool outOfTime(std::optional<SymbolicState>& state);
+
   z3::expr zeroOf(wabt::Type type) const;
   std::uint64_t staticCost(const wabt::ExprList& list);
 
   const wabt::Module& module_;
   const SymbolicMemoryModel& memory_;
   Budgets budgets_;
+  std::chrono::steady_clock::time_point deadline_;
   z3::context& context_;
   z3::expr trapped_;
   std::vector<std::pair<z3::expr, SymbolicEmission>> trapEmissions_;
