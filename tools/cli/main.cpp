@@ -21,7 +21,8 @@ namespace ravo::orx {
 namespace {
 
 constexpr std::string_view kExitStatuses =
-    "Exit status: 0 success, 1 refused input, 2 usage mistake, 3 fail-safe decision.";
+    "Exit status: 0 success, 1 refused input, 2 usage mistake, 3 fail-safe decision, unless a command's\n"
+    "help gives its own.";
 
 constexpr std::array kCommands{&kOrxCliCanonCommand,    &kOrxCliDigestCommand,    &kOrxCliEvidenceCommand,
                                &kOrxCliStatusCommand,   &kOrxCliDecideCommand,    &kOrxCliLogCommand,
@@ -53,10 +54,16 @@ std::string commandHelp(const OrxCliCommand& command, const std::string& program
   if (!command.subcommands.empty()) {
     return "usage: " + program + " " + std::string(command.synopsis) + "\n\n" + std::string(command.details) +
            "\nsubcommands:\n" + commandList(command.subcommands) + "\n'" + program +
-           " SUBCOMMAND --help' describes one. " + std::string(kExitStatuses);
+           " SUBCOMMAND --help' describes one.\n" + std::string(kExitStatuses);
   }
   const std::string synopsis = command.synopsis.empty() ? "" : " " + std::string(command.synopsis);
-  return "usage: " + program + synopsis + "\n\n" + std::string(command.details) + "\n" + std::string(kExitStatuses);
+  const std::string usage = "usage: " + program + synopsis + "\n\n";
+  const std::string_view details = command.details;
+  // A command whose statuses mean more (prove's 4 unknown, say) states them all at the end of its details.
+  if (details.find("Exit status:") != std::string_view::npos) {
+    return usage + std::string(details.substr(0, details.find_last_not_of('\n') + 1));
+  }
+  return usage + std::string(details) + "\n" + std::string(kExitStatuses);
 }
 
 // Error texts are printed as the system wrote them, folded onto one line, with any other control byte

@@ -32,9 +32,13 @@ TEST(RavoOrxTool, HelpVersionAndCommands) {
     }
     EXPECT_NE(toolHelp.find("\n  " + command + " "), std::string::npos) << command;
   }
-  for (const std::string subcommand : {"check", "test", "eval", "bench", "build"}) {
+  // Each help states the exit statuses once: a command's own, or the tool's.
+  for (const std::string subcommand : {"check", "test", "eval", "bench", "build", "prove", "diff"}) {
     const auto outcome = run({"policy", subcommand, "-h"}, "");
     EXPECT_TRUE(outcome.out.starts_with("usage: ravo-orx policy " + subcommand + " ") && outcome.status == 0)
+        << outcome;
+    const auto statuses = outcome.out.find("Exit status:");
+    EXPECT_TRUE(statuses != std::string::npos && outcome.out.find("Exit status:", statuses + 1) == std::string::npos)
         << outcome;
   }
 }
