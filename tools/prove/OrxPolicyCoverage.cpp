@@ -15,9 +15,15 @@ using namespace internal;
 
 namespace {
 
-// The values a field can name: a boolean's, an enumeration's, or the kind's reason codes for a reason
-// held as a plain number (sync's); nothing for any other integer.
+// The values a field can name. The reason's are the codes a module may answer with: the host's own
+// fail-safe reasons are for cases no more than any other refused record is, and `policy prove` says
+// whether a module can come to one. Then a boolean's and an enumeration's; nothing for an integer.
 std::optional<std::vector<std::int32_t>> valuesOf(const OrxDecisionKind& kind, const OrxDecisionField& field) {
+  if (field.emittedIndex == kind.reasonIndex) {
+    std::vector<std::int32_t> codes(kind.reasonNames.size());
+    std::iota(codes.begin(), codes.end(), 0);
+    return codes;
+  }
   auto cases = [](auto table) {
     std::vector<std::int32_t> values;
     for (const auto& [value, name] : table.entries) values.push_back(rawValue(value));
@@ -31,10 +37,7 @@ std::optional<std::vector<std::int32_t>> valuesOf(const OrxDecisionKind& kind, c
     case OrxDecisionFieldForm::cinemaReason: return cases(ORXRawValueTable<OrxCinemaAdmissionReason>{});
     case OrxDecisionFieldForm::integer: break;
   }
-  if (field.emittedIndex != kind.reasonIndex) return std::nullopt;
-  std::vector<std::int32_t> codes(kind.reasonNames.size());
-  std::iota(codes.begin(), codes.end(), 0);
-  return codes;
+  return std::nullopt;
 }
 
 }  // namespace

@@ -234,9 +234,11 @@ TEST(OrxPolicyProver, DiffListsEachWayTwoModulesDiffer) {
 
 TEST(OrxPolicyProver, CoverageNamesTheDecisionsNoCaseReaches) {
   setOrxLogSink([](OrxLogLevel, std::string_view) {});
+  // The version follows the role: an integer, which coverage does not list.
   const auto module = authorization(R"(
     (if (i32.eq (local.get $role) (i32.const 2)) (then (local.set $allowed (i32.const 1))))
-    (if (i32.eq (local.get $role) (i32.const 5)) (then (local.set $reason (i32.const 7)))))");
+    (if (i32.eq (local.get $role) (i32.const 5)) (then (local.set $reason (i32.const 7))))
+    (local.set $version (i32.add (local.get $role) (i32.const 1))))");
   const auto unreached =
       orxUnreachedDecisions(module, kAuthorization, within({{0, {0, 5}}, {1, {0, 0}}}), {{0, 0, 0, 0, 0, 0, 0, 0}});
   setOrxLogSink({});

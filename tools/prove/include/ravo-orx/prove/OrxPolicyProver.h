@@ -91,10 +91,11 @@ struct OrxPolicyDiff {
 OrxPolicyDiff orxDiffPolicies(std::span<const std::uint8_t> oldWasm, std::span<const std::uint8_t> newWasm,
                               const OrxDecisionKind& kind, const OrxProofOptions& options, bool allFields);
 
-// The named values (a boolean, a reason, an action, a route) each decision field can take, by the
-// model within the ranges, that no facts vector of `cases` gives, by the runtime, each with facts
-// that give it: "reason needsAdmin, as for facts {...}". A value the solver could not decide is said
-// as "action seek: unknown (why)". Integer fields are not listed. Throws as orxProvePolicy does.
+// The named values (a boolean, a reason code a module may answer with, an action, a route) each
+// decision field can take, by the model within the ranges, that no facts vector of `cases` gives, by
+// the runtime, each with facts that give it: "reason needsAdmin, as for facts {...}". A value the
+// solver could not decide is said as "action seek: unknown (why)". Other integer fields are not
+// listed. Throws as orxProvePolicy does.
 std::vector<std::string> orxUnreachedDecisions(std::span<const std::uint8_t> wasm, const OrxDecisionKind& kind,
                                                const OrxProofOptions& options,
                                                const std::vector<std::vector<std::int32_t>>& cases);
