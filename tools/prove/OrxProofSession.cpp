@@ -9,7 +9,7 @@ namespace ravo::orx::internal {
 OrxProofSession::OrxProofSession(const OrxDecisionKind& kind, const OrxProofOptions& options)
     : kind_(kind),
       limits_{options.unrollBound, OrxModelLimits{}.maxInstructions,
-              std::chrono::milliseconds(options.timeoutMilliseconds)},
+              std::chrono::milliseconds(options.modelMilliseconds)},
       withinRanges_(context_.bool_val(true)),
       solver_(context_, std::chrono::milliseconds(options.timeoutMilliseconds), options.memoryMegabytes) {
   orxLimitSolverMemory(options.memoryMegabytes);

@@ -140,8 +140,8 @@ TEST(OrxPolicyProver, ProvesRefutesOrSaysWhyItCannotTell) {
 }
 
 // Whether the model answers everywhere is a question too: one past the time limit leaves it open. The
-// time limit bounds building the model as well: the loop's second iteration is not modelled once a
-// millisecond has gone into asking whether facts reach it. The generous limit leaves room for a
+// model's own time limit bounds building it: the loop's second iteration is not modelled once a
+// millisecond has gone into asking whether facts reach it. The generous limits leave room for a
 // sanitizer build, whose 64 path checks take seconds.
 TEST(OrxPolicyProver, WhereTheModelAnswersIsUnknownPastTheTimeLimit) {
   const auto spinning = authorization(R"(
@@ -151,6 +151,7 @@ TEST(OrxPolicyProver, WhereTheModelAnswersIsUnknownPastTheTimeLimit) {
   for (const unsigned milliseconds : {1u, 60000u}) {
     auto options = OrxProofOptions::unrestricted(kAuthorization);
     options.timeoutMilliseconds = milliseconds;
+    options.modelMilliseconds = milliseconds;
     OrxProofSession session(kAuthorization, options);
     const OrxHostDecisionModel host = session.model(spinning);
     ASSERT_EQ(host.call.gaps.size(), 1u) << milliseconds;
@@ -173,7 +174,7 @@ TEST(OrxPolicyProver, ABranchingCallTreeStopsAtTheTimeLimit) {
     functions += "(func $f" + std::to_string(level) + " (param i32) (result i32) " + body + ")";
   }
   auto options = OrxProofOptions::unrestricted(kAuthorization);
-  options.timeoutMilliseconds = 1;
+  options.modelMilliseconds = 1;
   OrxProofSession session(kAuthorization, options);
   const OrxHostDecisionModel host = session.model(authorization("(local.set $x (call $f0 (local.get $role)))", functions));
   ASSERT_EQ(host.call.gaps.size(), 1u);

@@ -36,8 +36,8 @@ int orxCliRunProver(std::string_view program, Prover prover) {
 // The options' help, shared by both commands' help texts (a literal, so that it joins theirs).
 #define ORX_CLI_PROOF_OPTIONS_HELP                                                                          \
   "--manifest M gives the facts' ranges and the properties (docs/POLICY-MANIFEST.md); without it every\n" \
-  "fact takes any 32-bit value. --timeout-ms N limits each query of the solver and the building of\n"     \
-  "each module's model (default 5000); the solver's memory is limited to 512 MB; --unroll N bounds the\n" \
+  "fact takes any 32-bit value. --timeout-ms N limits each query of the solver (default 5000), building\n" \
+  "a module's model takes at most 60 s, the solver's memory is limited to 512 MB; --unroll N bounds the\n" \
   "iterations of a loop the model follows (default 64): a question that runs into a limit is answered\n"  \
   "unknown, never wrongly.\n"
 

@@ -45,7 +45,7 @@ struct OrxModelLimits {
   std::uint64_t maxInstructions = 2'000'000;  // instructions modelled over all paths, loops unrolled
   // Building the model, the solver's checks of loop paths included; what is left unmodelled past it
   // is a gap, as past the other limits.
-  std::chrono::milliseconds timeLimit{5000};
+  std::chrono::milliseconds timeLimit{60'000};
 };
 
 // The model of `decide` called with `facts` (32-bit vectors, in argument order; arguments past them

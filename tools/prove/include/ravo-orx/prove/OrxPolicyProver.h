@@ -35,6 +35,9 @@ struct OrxProofOptions {
   std::vector<OrxFactRange> ranges;  // one per fact of the kind, in argument order
   std::vector<OrxPolicyProperty> properties;
   unsigned timeoutMilliseconds = 5000;  // per query
+  // Per module, for building its model. Apart from the queries' limit: a model is built once, and one
+  // cut short leaves every obligation unknown, so a slower machine must not lose a proof to it.
+  unsigned modelMilliseconds = 60'000;
   unsigned memoryMegabytes = 512;       // Z3's, process-wide
   unsigned unrollBound = 64;
 
