@@ -49,6 +49,11 @@ TEST(RavoOrxPolicyProof, ProveAndDiffAnswerWithTheirExitStatuses) {
   manifest.insert(manifest.rfind('}'), ",\"properties\": [\"tokenAgeMilliseconds >= tokenTTLMilliseconds implies not "
                                        "isAllowed\", \"role != 2 and role != 3 implies not isAllowed\"]");
   const auto withProperties = write("props.manifest.json", manifest);
+  // Admins only: no facts within the ranges make a controller ask for an admin's command.
+  write("player_authz.wat", fileText(kAuthz));
+  std::string adminsOnly = fileText(kAuthzManifest);
+  adminsOnly.insert(adminsOnly.rfind('}'), ",\"factRanges\": [{\"fact\": \"role\", \"from\": 3, \"to\": 3}]");
+  const auto ranged = write("ranged.manifest.json", adminsOnly);
 
   struct Row {
     Words arguments;
@@ -116,6 +121,9 @@ TEST(RavoOrxPolicyProof, ProveAndDiffAnswerWithTheirExitStatuses) {
        0,
        {"coverage player_authz: no case reaches reason needsAdmin, as for facts \\{\"role\":2,.*\\}",
         "30 passed, 0 failed"}},
+      {{"policy", "test", "--coverage", "--run", "^player_authz/(?!controller may not|admin-only mode refuses)", ranged},
+       0,
+       {"coverage player_authz: its cases reach every reason and decision the module can give", "30 passed, 0 failed"}},
       {{"policy", "test", "--coverage", "--run", "drift inside|drift at the|small drift ahead",
         (kRoot / "policies/sync_correction.manifest.json").string()},
        0,
