@@ -49,7 +49,7 @@ class ModuleModel {
     memory_.emplace(context, initialPages(), maximumPages(), initialBytes(setUp));
     initial_->memory = memory_->initial();
     executor_.emplace(module, context, *memory_,
-                      SymbolicExecutor::Budgets{metered, limits.unrollBound, limits.maxInstructions, limits.timeLimit});
+                      SymbolicExecutor::Budgets{metered, limits});
     for (const auto& gap : setUp) executor_->addGap(gap.condition, gap.reason);
   }
 

@@ -85,15 +85,20 @@ SymbolicExecutor::SymbolicExecutor(const wabt::Module& module, z3::context& cont
     : module_(module),
       memory_(memory),
       budgets_(budgets),
-      deadline_(std::chrono::steady_clock::now() + budgets.timeLimit),
+      deadline_(std::chrono::steady_clock::now() + budgets.limits.timeLimit),
       context_(context),
       trapped_(context.bool_val(false)) {}
 
 bool SymbolicExecutor::outOfTime(std::optional<SymbolicState>& state) {
   if (std::chrono::steady_clock::now() < deadline_) return false;
   gap(state, context_.bool_val(true),
-      "the model took longer to build than the time limit (" + std::to_string(budgets_.timeLimit.count()) + " ms)");
+      "the model took longer to build than the time limit (" + std::to_string(budgets_.limits.timeLimit.count()) + " ms)");
   return true;
+}
+
+unsigned SymbolicExecutor::pathCheckMilliseconds() const {
+  const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline_ - std::chrono::steady_clock::now());
+  return static_cast<unsigned>(std::clamp<std::int64_t>(left.count(), 1, kPathCheckMilliseconds));
 }
 
 z3::expr SymbolicExecutor::zeroOf(Type type) const {
@@ -250,9 +255,9 @@ void SymbolicExecutor::emit(const wabt::FuncSignature& signature, std::optional<
 void SymbolicExecutor::run(const wabt::ExprList& list, Frame& frame, std::optional<SymbolicState>& state) {
   for (const auto& expr : list) {
     if (!state) return;
-    if (++instructions_ > budgets_.maxInstructions) {
+    if (++instructions_ > budgets_.limits.maxInstructions) {
       gap(state, context_.bool_val(true),
-          "the unrolled code has more than " + std::to_string(budgets_.maxInstructions) + " instructions");
+          "the unrolled code has more than " + std::to_string(budgets_.limits.maxInstructions) + " instructions");
       return;
     }
     // Reading the clock costs more than modelling an instruction: a small module never looks.
@@ -311,10 +316,10 @@ void SymbolicExecutor::loop(const wabt::Block& body, Frame& frame, std::optional
   std::optional<SymbolicState> entry = std::move(state);
   for (unsigned iteration = 0; entry; ++iteration) {
     if (iteration > 0 && outOfTime(entry)) break;
-    if (iteration == budgets_.unrollBound) {
+    if (iteration == budgets_.limits.unrollBound) {
       gap(entry, context_.bool_val(true),
-          "a loop may run more than " + std::to_string(budgets_.unrollBound) +
-              (budgets_.unrollBound == 1 ? " iteration" : " iterations") + " (the unroll bound)");
+          "a loop may run more than " + std::to_string(budgets_.limits.unrollBound) +
+              (budgets_.limits.unrollBound == 1 ? " iteration" : " iterations") + " (the unroll bound)");
       break;
     }
     fuelBound_ += 1 + staticCost(body.exprs) + kChargeOverhead;
@@ -327,9 +332,7 @@ void SymbolicExecutor::loop(const wabt::Block& body, Frame& frame, std::optional
     // A loop whose exit depends on the facts would otherwise be unrolled to the bound even when no
     // facts take it that far: a path the solver shows impossible ends here.
     if (!again.empty()) entry = joined(again);
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline_ - std::chrono::steady_clock::now());
-    const auto checkFor = static_cast<unsigned>(std::clamp<std::int64_t>(left.count(), 1, kPathCheckMilliseconds));
-    if (entry && !mayBeTaken(entry->reach, checkFor)) entry.reset();
+    if (entry && !mayBeTaken(entry->reach, pathCheckMilliseconds())) entry.reset();
   }
   state.reset();
   if (!exits.empty()) state = joined(exits);

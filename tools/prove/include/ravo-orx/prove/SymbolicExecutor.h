@@ -27,9 +27,7 @@ class SymbolicExecutor {
  public:
   struct Budgets {
     bool metered;  // the host meters the module: a call chain deeper than the stack budget traps
-    unsigned unrollBound;
-    std::uint64_t maxInstructions;
-    std::chrono::milliseconds timeLimit;  // from the executor's construction
+    OrxModelLimits limits;  // the time limit counts from the executor's construction
   };
 
   SymbolicExecutor(const wabt::Module& module, z3::context& context, const SymbolicMemoryModel& memory,
@@ -88,6 +86,8 @@ class SymbolicExecutor {
 
   // Whether the time limit has passed; when it has, the state ends in a gap.
   bool outOfTime(std::optional<SymbolicState>& state);
+  // How long to ask whether a loop's next iteration can be reached: never past the time limit.
+  unsigned pathCheckMilliseconds() const;
 
   z3::expr zeroOf(wabt::Type type) const;
   std::uint64_t staticCost(const wabt::ExprList& list);
