@@ -40,6 +40,7 @@ TEST(RavoOrxTool, HelpVersionAndCommands) {
     const auto statuses = outcome.out.find("Exit status:");
     EXPECT_TRUE(statuses != std::string::npos && outcome.out.find("Exit status:", statuses + 1) == std::string::npos)
         << outcome;
+    EXPECT_FALSE(outcome.out.ends_with("\n\n")) << outcome;
   }
 }
 

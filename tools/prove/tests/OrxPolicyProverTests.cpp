@@ -260,6 +260,18 @@ TEST(OrxPolicyProver, CoverageNamesTheDecisionsNoCaseReaches) {
   const auto open = orxUnreachedDecisions(factoring, kAuthorization, slow, {{0, 0, 0, 0, 0, 0, 0, 0}});
   setOrxLogSink({});
   EXPECT_THAT(open, testing::Contains("reason needsAdmin: unknown (time limit (1 ms))"));
+
+  // Past the unroll bound the model does not answer, and coverage says where.
+  const auto counting = authorization(R"(
+    (block $done (loop $more
+      (br_if $done (i32.ge_s (local.get $x) (local.get $role)))
+      (local.set $x (i32.add (local.get $x) (i32.const 1)))
+      (br $more))))");
+  setOrxLogSink([](OrxLogLevel, std::string_view) {});
+  const auto gapped = orxUnreachedDecisions(counting, kAuthorization, within({{0, {0, 100}}}), {{0, 0, 0, 0, 0, 0, 0, 0}});
+  setOrxLogSink({});
+  EXPECT_THAT(gapped, testing::Contains(testing::StartsWith(
+                          "the model does not answer everywhere: a loop may run more than 64 iterations")));
 }
 
 }  // namespace
