@@ -315,7 +315,7 @@ void SymbolicExecutor::loop(const wabt::Block& body, Frame& frame, std::optional
   std::vector<SymbolicState> exits;
   std::optional<SymbolicState> entry = std::move(state);
   for (unsigned iteration = 0; entry; ++iteration) {
-    if (iteration > 0 && outOfTime(entry)) break;
+    if (outOfTime(entry)) break;
     if (iteration == budgets_.limits.unrollBound) {
       gap(entry, context_.bool_val(true),
           "a loop may run more than " + std::to_string(budgets_.limits.unrollBound) +
